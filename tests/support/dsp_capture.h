@@ -1,0 +1,141 @@
+// A test double for the host's DSP configuration callbacks.
+//
+// The callback type OpDspIspCfgctl carries no context pointer, so the double
+// works through a "current capture": constructing a DspCapture makes it the
+// one that the callbacks record into, destroying it brings back the capture
+// that was current before (captures nest; one thread at a time).
+//
+//   ispdsp_test::DspCapture dsp;
+//   DRV_dspIspHandle handle = dsp.handle(5);     // nId 5, both callbacks
+//   dsp.setSetResult(-3);                         // what OpSetDspConfig returns
+//   DRV_dspOpSetLae(&payload, &handle);
+//   ASSERT_EQ(dsp.sets().size(), 1u);
+//   dsp.sets()[0].ctrl.nId;                       // control record as received
+//   dsp.sets()[0].bytes()[72];                    // message bytes as received
+//
+// Set calls: every OpSetDspConfig call is recorded as a copy of the 64-byte
+// control record and of the 4168-byte message, taken during the call.
+//
+// Get calls: every OpGetDspConfig call is recorded the same way (the message
+// as the driver handed it in, before the double writes its reply). The double
+// then writes the programmed reply bytes into the message and returns the
+// programmed result. The reply is written whatever the result, so a test can
+// check that a failed read-back leaves the caller's record untouched.
+//
+// Addresses inside messages (the CAL path and the fusion curve) are valid only
+// during the call. With followAddresses(true) the double copies what they
+// point at into the recorded call (calPath, curve); leave it off when a test
+// sends made-up addresses.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ispdsp/dsp_config.h"
+#include "ispdsp/fusion.h"
+
+namespace ispdsp_test {
+
+// Message bytes [begin, end).
+struct ByteRange {
+    size_t begin;
+    size_t end;
+};
+
+// One callback call as the double saw it.
+struct DspCall {
+    DRV_dspIspCfgOpsCtrl ctrl;
+    DSP_AEW_CFG_S message;
+    // Filled only with followAddresses(true):
+    std::string calPath;                            // CAL: the text behind calParam.cfg_path
+    std::vector<Uint8> curve;                       // FUSION: FUSION_NIR_POINTS bytes behind w_nir
+
+    // The message as raw wire bytes (4168).
+    std::span<const Uint8> bytes() const;
+    Uint32 type() const { return message.u32Type; }
+    // The Uint32 at message offset `offset` (little-endian, unaligned is fine).
+    Uint32 word(size_t offset) const;
+    // The offset of the first nonzero message byte that lies outside every
+    // given [begin, end) range and outside the u32Type word (offsets 0..3);
+    // nullopt when all those bytes are zero, as in a cleared message.
+    std::optional<size_t> firstNonZeroExcept(std::initializer_list<ByteRange> filled) const;
+    // True when every byte of the control record behind nId is zero.
+    bool ctrlReservedZero() const;
+};
+
+// The four lines that the message functions print to standard output.
+enum class DspPrint {
+    NullPointer,  // red "Input NULL POINT <argument>!"
+    SetMissing,   // yellow "Set dsp cfg failed!"
+    GetMissing,   // yellow "Get dsp cfg failed!"
+    GetError,     // red "OpGetDspConfig error! "
+};
+
+// Success when `printed` (e.g. from testing::internal::GetCapturedStdout) is
+// exactly one such line, colour escapes included, naming `function` and any
+// decimal source line; `argument` is the name in a NullPointer line.
+testing::AssertionResult isDspPrint(const std::string& printed, DspPrint kind, const std::string& function,
+                                    const std::string& argument = "");
+
+class DspCapture {
+public:
+    DspCapture();
+    ~DspCapture();
+    DspCapture(const DspCapture&) = delete;
+    DspCapture& operator=(const DspCapture&) = delete;
+
+    // A transport handle with the given nId and both callbacks of the double.
+    DRV_dspIspHandle handle(Uint32 nId = 0) const;
+    // The double's callbacks, to build handles or creation records by hand.
+    static OpDspIspCfgctl setCallback();
+    static OpDspIspCfgctl getCallback();
+
+    // What OpSetDspConfig / OpGetDspConfig return from now on (default 0).
+    void setSetResult(Int32 result) { setResult_ = result; }
+    void setGetResult(Int32 result) { getResult_ = result; }
+    // Bytes that OpGetDspConfig writes into the message at `messageOffset` on
+    // every call from now on (several replies may be added; they are written in
+    // the order they were added). Offsets past the message end are cut off.
+    void addGetReply(size_t messageOffset, std::span<const Uint8> bytes);
+    // Convenience: the reply is the 64-byte 2.7.22 block at the start of dspArgs.
+    void setGetFusionReply(const FUSION_PARAM_V2_7_22& block);
+    void clearGetReplies() { replies_.clear(); }
+
+    void followAddresses(bool on) { followAddresses_ = on; }
+
+    const std::vector<DspCall>& sets() const { return sets_; }
+    const std::vector<DspCall>& gets() const { return gets_; }
+    // The Set calls whose u32Type is `type`, in call order.
+    std::vector<DspCall> setsOfType(Uint32 type) const;
+    // The recorded u32Type of every Set call, in call order.
+    std::vector<Uint32> setTypes() const;
+    // Forgets the recorded calls (results and replies stay programmed).
+    void clearCalls();
+
+private:
+    struct Reply {
+        size_t offset;
+        std::vector<Uint8> bytes;
+    };
+    static Int32 onSet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message);
+    static Int32 onGet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message);
+    DspCall record(const DRV_dspIspCfgOpsCtrl* ctrl, const void* message) const;
+
+    DspCapture* previous_ = nullptr;
+    Int32 setResult_ = 0;
+    Int32 getResult_ = 0;
+    bool followAddresses_ = false;
+    std::vector<Reply> replies_;
+    std::vector<DspCall> sets_;
+    std::vector<DspCall> gets_;
+};
+
+}  // namespace ispdsp_test
