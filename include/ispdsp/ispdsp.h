@@ -12,5 +12,6 @@
 #include "ispdsp/param_table.h"
 #include "ispdsp/registration.h"
 #include "ispdsp/rlr.h"
+#include "ispdsp/driver.h"
 
 #endif /* ISPDSP_ISPDSP_H */

@@ -1,0 +1,464 @@
+// The per-frame fusion update behind OpSetFusion, end to end through the
+// host's operation table: a linked colour/mono pair, the messages each call
+// sends and their contents, the process-wide zoom and calibration state.
+//
+// The zoom and calibration change values live once per process and are never
+// reset, so every test that looks at IR or CAL messages first drives them to a
+// known state with a few priming frames and then checks what follows; the
+// tests pass in any order and in one process or one process each.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "api/driver_host.h"
+#include "support/mem_guard.h"
+
+namespace {
+
+using driver_test::HostPipe;
+using ispdsp_test::DspCall;
+using ispdsp_test::ParamFileBuilder;
+
+constexpr Uint32 kColourPipe = 1;
+constexpr Uint32 kMonoPipe = 2;
+
+// Table variants: each pipe has its own file, with a day and a night table.
+uint32_t tableVariant(Uint32 pipeId, bool blackWhite) { return pipeId * 100 + (blackWhite ? 1 : 0); }
+
+// What DRV_dspCalculateFusion gives for a table, a gain state and a switch
+// (the exported calculation is the oracle; this checks the driver's wiring).
+struct OwnRecord {
+    DSP_FusionV2722 record{};
+    std::array<Uint8, FUSION_NIR_POINTS> curve{};
+};
+void calculateOwn(const CFG_DspIspCfgParam& table, DRV_gainInterParam gain, Int32 pSwitch, OwnRecord& out) {
+    static DSP_FusionCalculateParam input;  // 8.7 KB: kept off the test's stack
+    std::memset(&input, 0, sizeof(input));
+    std::memcpy(input.fusionParam, table.ispFusionParam, sizeof(input.fusionParam));
+    input.gainInterParam = &gain;
+    input.pSwitch = pSwitch;
+    std::memset(&out.record, 0, sizeof(out.record));
+    out.record.fusionParam.w_nir = out.curve.data();
+    ASSERT_EQ(DRV_dspCalculateFusion(&input, &out.record), 0);
+}
+
+// The switch word of the FSSWITCH message for a standby switch value.
+Uint32 outputMode(Int32 pSwitch) {
+    switch (pSwitch) {
+        case 0: return DSP_OUTPUT_VIS;
+        case 1: return DSP_OUTPUT_FUSE;
+        case 2: return DSP_OUTPUT_NIR_CAL;
+        default: return DSP_OUTPUT_FUSE_INVALID;
+    }
+}
+
+class DriverFusion : public testing::Test {
+protected:
+    void SetUp() override { dsp.followAddresses(true); }
+
+    // Each pipe reads its own parameter file (/var/tmp/<pipe>/...).
+    void writeParamFiles(Uint32 fusionFlag = 1) {
+        for (Uint32 pipe : {kColourPipe, kMonoPipe}) {
+            sandbox.writeFile(driver_test::pipeParamFile(pipe),
+                              ParamFileBuilder()
+                                  .addTable(PARAM_MULTICOLOR, driver_test::fusionTable(tableVariant(pipe, false), fusionFlag))
+                                  .addTable(PARAM_BLACKWHITE, driver_test::fusionTable(tableVariant(pipe, true), fusionFlag))
+                                  .build());
+        }
+    }
+    void writeRegistration(int place, std::initializer_list<int> zooms = {100, 200, 300}) {
+        sandbox.writeFile(driver_test::registrationPath(place), driver_test::registrationText(zooms));
+    }
+    // Creates, starts and links the pair, and chooses the current tables.
+    void startPair() {
+        ASSERT_EQ(colour.createPipe(), 0);
+        ASSERT_EQ(mono.createPipe(), 0);
+        ASSERT_EQ(colour.start(), 0);
+        ASSERT_EQ(mono.start(), 0);
+        driver_test::linkPipes(colour, mono);
+        ASSERT_EQ(colour.refresh(nullptr), 0);
+        ASSERT_EQ(mono.refresh(nullptr), 0);
+    }
+    void TearDown() override {
+        if (colour.instance() != nullptr) {
+            EXPECT_EQ(colour.remove(), 0);
+        }
+        if (mono.instance() != nullptr) {
+            EXPECT_EQ(mono.remove(), 0);
+        }
+    }
+    // One fusion call on both pipes at the same zoom, colour first; returns the
+    // IR zoom indexes sent.
+    std::vector<Uint32> runZoomFrame(Int32 zoom) {
+        colour.run().ptzUpdateParam.zoom = zoom;
+        mono.run().ptzUpdateParam.zoom = zoom;
+        dsp.clearCalls();
+        colour.fusion();
+        mono.fusion();
+        std::vector<Uint32> indexes;
+        for (const DspCall& call : dsp.setsOfType(DSP_AEW_CFG_TYPE_IR)) indexes.push_back(call.word(72) & 0xFFFF);
+        return indexes;
+    }
+
+    ispdsp_test::Sandbox sandbox;
+    ispdsp_test::LogCapture log;
+    ispdsp_test::DspCapture dsp;
+    HostPipe colour{kColourPipe};
+    HostPipe mono{kMonoPipe};
+};
+
+TEST_F(DriverFusion, NoCurrentTableBeforeTheFirstRefresh) {
+    writeParamFiles();
+    ASSERT_EQ(colour.createPipe(), 0);
+    EXPECT_EQ(colour.fusion(), -1);
+    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_ispSetFusionParam", "curParam"), 1u);
+    EXPECT_TRUE(dsp.sets().empty());
+    EXPECT_TRUE(dsp.gets().empty());
+}
+
+TEST_F(DriverFusion, TableWithoutFusionSendsAndLogsNothing) {
+    writeParamFiles(/*fusionFlag=*/0);
+    writeRegistration(1);
+    startPair();
+    log.clear();
+    colour.run().ptzUpdateParam.zoom = 150;
+    EXPECT_EQ(colour.fusion(), 0);
+    EXPECT_EQ(mono.fusion(), 0);
+    EXPECT_TRUE(dsp.sets().empty());
+    EXPECT_TRUE(dsp.gets().empty());
+    EXPECT_TRUE(log.lines().empty());
+}
+
+TEST_F(DriverFusion, ReferencePipeIsNeededAfterEveryStart) {
+    writeParamFiles();
+    startPair();
+    ASSERT_EQ(colour.fusion(), -1);  // the mono pipe has not calculated yet
+    ASSERT_EQ(mono.fusion(), 0);
+    ASSERT_EQ(colour.start(), 0);
+    dsp.clearCalls();
+    log.clear();
+    EXPECT_EQ(colour.fusion(), -1);
+    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_ispSetFusionParam", "otherIspHandle"), 1u);
+    EXPECT_EQ(dsp.gets().size(), 1u);  // the read-back happened before the check
+    EXPECT_TRUE(dsp.sets().empty());
+
+    driver_test::linkPipes(colour, mono);
+    EXPECT_EQ(colour.fusion(), 0);
+}
+
+// The first call of a fresh pair combines with a pipe that has not calculated
+// yet: the double calculation refuses its missing curve, and the messages
+// still go out with the -1 in the result.
+TEST_F(DriverFusion, FirstCallOfAFreshPairReportsTheMissingCurve) {
+    writeParamFiles();
+    startPair();
+    EXPECT_EQ(colour.fusion(), -1);
+    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_dspDoubleCalculateFusion", "w_nirMono"), 1u);
+    EXPECT_EQ(dsp.setTypes(), (std::vector<Uint32>{DSP_AEW_CFG_TYPE_FSSWITCH, DSP_AEW_CFG_TYPE_FUSION}));
+    EXPECT_EQ(mono.fusion(), 0);
+    EXPECT_EQ(colour.fusion(), 0);
+}
+
+TEST_F(DriverFusion, InvalidFusionTypeCalculatesNothing) {
+    writeParamFiles();
+    startPair();
+    DRV_RefPipeParams ref;
+    std::memset(&ref, 0, sizeof(ref));
+    ref.refXHndl = mono.xHndl();
+    ref.fusionType = DRV_ISP_FUSION_MAX;
+    ASSERT_EQ(colour.refPipe(&ref), 0);
+    log.clear();
+    EXPECT_EQ(colour.fusion(), 0);
+    EXPECT_EQ(driver_test::countErrors(log, "DRV_ispSetFusionParam", "error fusionType:2 \n"), 1u);
+    EXPECT_EQ(dsp.gets().size(), 1u);
+    EXPECT_TRUE(dsp.sets().empty());
+    EXPECT_EQ(log.count("pswitch="), 0u);
+}
+
+TEST_F(DriverFusion, FailedReadBackIsReportedAndTheMessagesStillGoOut) {
+    writeParamFiles();
+    startPair();
+    ASSERT_EQ(mono.fusion(), -1);  // colour has not calculated yet
+    ASSERT_EQ(colour.fusion(), 0);
+    dsp.setGetResult(-1);
+    dsp.clearCalls();
+    EXPECT_EQ(mono.fusion(), -1);
+    EXPECT_EQ(dsp.setTypes(), (std::vector<Uint32>{DSP_AEW_CFG_TYPE_FSSWITCH, DSP_AEW_CFG_TYPE_FUSION}));
+    dsp.setGetResult(0);
+    EXPECT_EQ(mono.fusion(), 0);
+}
+
+// A linked pair over many frames: gain sweep, day/night switches, switch
+// values and zoom changes across the registration list. Every call is checked
+// for its messages, their order and contents, and the pipe's own record.
+TEST_F(DriverFusion, LinkedPairOverManyFrames) {
+    writeParamFiles();
+    writeRegistration(1, {100, 200, 300});
+    startPair();
+
+    // Priming: afterwards the calibration message for place 1 has been sent and
+    // the zoom state is at index 2 (zoom 260), whatever ran before.
+    colour.publishSwitch(1);
+    mono.publishSwitch(1);
+    runZoomFrame(250);
+    runZoomFrame(260);
+    EXPECT_EQ(colour.fusion(), 0);
+    EXPECT_EQ(mono.fusion(), 0);
+
+    // The tables each pipe's file holds, for the oracle.
+    const CFG_DspIspCfgParam colourDay = driver_test::fusionTable(tableVariant(kColourPipe, false));
+    const CFG_DspIspCfgParam colourNight = driver_test::fusionTable(tableVariant(kColourPipe, true));
+    const CFG_DspIspCfgParam monoDay = driver_test::fusionTable(tableVariant(kMonoPipe, false));
+    const CFG_DspIspCfgParam monoNight = driver_test::fusionTable(tableVariant(kMonoPipe, true));
+    OwnRecord expectedOwn[2];
+    calculateOwn(colourDay, colour.run().gainInterParam, 1, expectedOwn[0]);
+    calculateOwn(monoDay, mono.run().gainInterParam, 1, expectedOwn[1]);
+
+    // Zoom schedule (frame -> zoom) and the IR index each change sends.
+    struct ZoomStep {
+        int frame;
+        Int32 zoom;
+        std::optional<Uint32> irIndex;
+    };
+    const std::vector<ZoomStep> zoomSteps = {{30, 150, 1}, {60, 200, std::nullopt}, {90, 50, 0},
+                                             {120, 400, std::nullopt}, {150, 300, 2}, {180, 301, std::nullopt},
+                                             {210, 100, 0}, {240, 260, 2}};
+    size_t nextZoom = 0;
+    Int32 zoom = 260;
+    int calls = 0;
+
+    for (int frame = 0; frame < 270; ++frame) {
+        SCOPED_TRACE("frame " + std::to_string(frame));
+        std::optional<Uint32> irThisFrame;
+        if (nextZoom < zoomSteps.size() && zoomSteps[nextZoom].frame == frame) {
+            zoom = zoomSteps[nextZoom].zoom;
+            irThisFrame = zoomSteps[nextZoom].irIndex;
+            ++nextZoom;
+        }
+        const bool night = (frame / 45) % 2 == 1;
+        const Uint8 monoSwitch = static_cast<Uint8>((frame / 10) % 4);
+        HostPipe* pipes[2] = {&colour, &mono};
+        for (int p = 0; p < 2; ++p) {
+            HostPipe& pipe = *pipes[p];
+            DRV_gainInterParam& gain = pipe.run().gainInterParam;
+            gain.gainStartIndex = (frame + 5 * p) % 15;
+            gain.gainEndIndex = gain.gainStartIndex + 1;
+            gain.interCoff = static_cast<Float32>((frame + p) % 9) / 8.0f;
+            pipe.run().dncMode = night ? 0 : 1;
+            pipe.run().ptzUpdateParam.zoom = zoom;
+            ASSERT_EQ(pipe.publishSwitch(p == 1 ? monoSwitch : 9), 0);  // the colour pipe's switch is never used
+            ASSERT_EQ(pipe.gainFlags(), 0);
+            ASSERT_EQ(pipe.refresh(nullptr), 0);
+        }
+        // The first pipe of a frame notices a zoom change; alternate who goes first.
+        const int first = (frame / 3) % 2;
+        for (int k = 0; k < 2; ++k) {
+            const int p = (first + k) % 2;
+            HostPipe& pipe = *pipes[p];
+            const CFG_DspIspCfgParam& table = p == 0 ? (night ? colourNight : colourDay) : (night ? monoNight : monoDay);
+            calculateOwn(table, pipe.run().gainInterParam, monoSwitch, expectedOwn[p]);
+
+            dsp.clearCalls();
+            log.clear();
+            ASSERT_EQ(pipe.fusion(), 0);
+            ++calls;
+
+            std::vector<Uint32> expectedTypes;
+            if (k == 0 && irThisFrame) expectedTypes.push_back(DSP_AEW_CFG_TYPE_IR);
+            expectedTypes.push_back(DSP_AEW_CFG_TYPE_FSSWITCH);
+            expectedTypes.push_back(DSP_AEW_CFG_TYPE_FUSION);
+            ASSERT_EQ(dsp.setTypes(), expectedTypes);
+            ASSERT_EQ(dsp.gets().size(), 1u);
+            EXPECT_EQ(dsp.gets()[0].type(), static_cast<Uint32>(DSP_AEW_CFG_TYPE_FUSION));
+            size_t at = 0;
+            if (expectedTypes.size() == 3) {
+                const DspCall& ir = dsp.sets()[at++];
+                EXPECT_EQ(ir.word(72) & 0xFFFF, *irThisFrame);
+                EXPECT_FALSE(ir.firstNonZeroExcept({{72, 74}}).has_value());
+            }
+
+            // Output switch: the mono pipe's standby switch, mapped.
+            const DspCall& fsswitch = dsp.sets()[at++];
+            EXPECT_EQ(fsswitch.word(8), outputMode(monoSwitch));
+            EXPECT_FALSE(fsswitch.firstNonZeroExcept({{8, 12}}).has_value());
+
+            // This pipe's own record: the gain blend of its current table.
+            const DRV_aewIspHandleDSP* instance = pipe.instance();
+            EXPECT_EQ(instance->pstFusionParam.pSwtich, monoSwitch);
+            EXPECT_EQ(std::memcmp(&instance->pstFusionParam.fusionParam, &expectedOwn[p].record.fusionParam,
+                                  FUSION_PARAM_V2_7_22_SCALAR_BYTES),
+                      0);
+            EXPECT_EQ(instance->pstFusionParam.fusionParam.w_nir, instance->w_nir1);
+            EXPECT_EQ(std::memcmp(instance->w_nir1, expectedOwn[p].curve.data(), FUSION_NIR_POINTS), 0);
+
+            // Fusion message: colour and mono records combined, colour first.
+            OwnRecord combined;
+            combined.record.fusionParam.w_nir = combined.curve.data();
+            DSP_DoubleFusionCalculateParam pair = {instance->aewPipeId, &expectedOwn[0].record, &expectedOwn[1].record};
+            ASSERT_EQ(DRV_dspDoubleCalculateFusion(&pair, &combined.record), 0);
+            const DspCall& fusion = dsp.sets()[at++];
+            EXPECT_EQ(fusion.word(8), 0u);  // the combined record's switch is never written
+            EXPECT_EQ(std::memcmp(fusion.bytes().data() + 72, &combined.record.fusionParam,
+                                  FUSION_PARAM_V2_7_22_SCALAR_BYTES),
+                      0);
+            const void* curveAddress = fusion.message.dspArgs.stFusionArgs.fusion_param_v2_7_22.w_nir;
+            EXPECT_EQ(curveAddress, static_cast<const void*>(instance->w_nir2));
+            EXPECT_EQ(fusion.curve, std::vector<Uint8>(combined.curve.begin(), combined.curve.end()));
+            EXPECT_FALSE(fusion.firstNonZeroExcept({{8, 12}, {72, 72 + 64}}).has_value());
+            EXPECT_EQ(fusion.ctrl.nId, 0u);
+            EXPECT_TRUE(fusion.ctrlReservedZero());
+
+            // One information line per call, with the mono pipe's switch.
+            ASSERT_EQ(log.texts().size(), 1u);
+            EXPECT_EQ(log.texts()[0], "[DSP_DRV] pswitch=" + std::to_string(monoSwitch) + "\n");
+        }
+    }
+    EXPECT_EQ(nextZoom, zoomSteps.size());
+    EXPECT_EQ(calls, 540);
+    // The gain flags went to the host every frame, once per pipe (plus the start).
+    EXPECT_EQ(colour.flags.size(), 1u + 270u);
+}
+
+// IR message rules on a zoom list 100, 200, 300.
+TEST_F(DriverFusion, ZoomBandLookup) {
+    writeParamFiles();
+    writeRegistration(2, {100, 200, 300});
+    startPair();
+    runZoomFrame(140);
+    runZoomFrame(150);  // index 1, whatever ran before
+    EXPECT_EQ(runZoomFrame(150), std::vector<Uint32>{});       // same zoom: no lookup, no message
+    EXPECT_EQ(runZoomFrame(200), std::vector<Uint32>{});       // 200 is still band 1
+    EXPECT_EQ(runZoomFrame(50), std::vector<Uint32>{0});       // one message in total for the pair
+    EXPECT_EQ(runZoomFrame(400), std::vector<Uint32>{});       // beyond the list: the index stays
+    EXPECT_EQ(runZoomFrame(201), std::vector<Uint32>{2});
+    EXPECT_EQ(runZoomFrame(-1), std::vector<Uint32>{0});
+}
+
+// The calibration message goes out once per change of registerFlag in the
+// whole process: one pipe sends it, and later instances with the same place
+// send nothing.
+TEST_F(DriverFusion, CalibrationMessageOncePerProcessAndPlace) {
+    writeParamFiles();
+    writeRegistration(1);
+    startPair();
+    ASSERT_EQ(colour.instance()->registerFlag, 1);
+    runZoomFrame(150);  // the process has now sent the calibration of place 1
+    EXPECT_TRUE(runZoomFrame(150).empty());
+    EXPECT_TRUE(dsp.setsOfType(DSP_AEW_CFG_TYPE_CAL).empty());
+    EXPECT_EQ(colour.remove(), 0);
+    EXPECT_EQ(mono.remove(), 0);
+
+    for (int round = 0; round < 2; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        ispdsp_test::Sandbox place2;
+        place2.writeFile(driver_test::registrationPath(2), driver_test::registrationText({100, 200, 300}));
+        for (Uint32 pipe : {kColourPipe, kMonoPipe})
+            place2.writeFile(driver_test::pipeParamFile(pipe), ParamFileBuilder().addTable(PARAM_MULTICOLOR).build());
+        HostPipe c(kColourPipe), m(kMonoPipe);
+        ASSERT_EQ(c.createPipe(), 0);
+        ASSERT_EQ(m.createPipe(), 0);
+        ASSERT_EQ(c.instance()->registerFlag, 2);
+        driver_test::linkPipes(c, m);
+        ASSERT_EQ(c.refresh(nullptr), 0);
+        ASSERT_EQ(m.refresh(nullptr), 0);
+        size_t calMessages = 0;
+        for (int frame = 0; frame < 5; ++frame) {
+            dsp.clearCalls();
+            m.fusion();  // the mono pipe goes first this time
+            const auto monoCal = dsp.setsOfType(DSP_AEW_CFG_TYPE_CAL);
+            if (!monoCal.empty()) {
+                EXPECT_EQ(frame, 0);
+                EXPECT_EQ(monoCal[0].calPath, "/var/calibration.txt");
+                EXPECT_EQ(std::string(m.instance()->pstIrParam.cfg_path), "/var/calibration.txt");
+                EXPECT_EQ(reinterpret_cast<const void*>(monoCal[0].message.dspArgs.irCalPramArgs.calParam.cfg_path),
+                          static_cast<const void*>(m.instance()->pstIrParam.cfg_path));
+                EXPECT_FALSE(monoCal[0].firstNonZeroExcept({{88, 96}}).has_value());
+            }
+            c.fusion();
+            calMessages += dsp.setsOfType(DSP_AEW_CFG_TYPE_CAL).size();
+        }
+        // Round 0 changes the place from 1 to 2; round 1 finds 2 already sent.
+        EXPECT_EQ(calMessages, round == 0 ? 1u : 0u);
+        EXPECT_EQ(c.remove(), 0);
+        EXPECT_EQ(m.remove(), 0);
+    }
+}
+
+TEST_F(DriverFusion, WithoutRegistrationNoIrOrCalibrationEver) {
+    writeParamFiles();
+    startPair();
+    ASSERT_EQ(colour.instance()->registerFlag, 0);
+    for (Int32 zoom : {50, 150, 250, 350, 120, -1, 260}) {
+        runZoomFrame(zoom);
+        EXPECT_TRUE(dsp.setsOfType(DSP_AEW_CFG_TYPE_IR).empty());
+        EXPECT_TRUE(dsp.setsOfType(DSP_AEW_CFG_TYPE_CAL).empty());
+    }
+}
+
+// Both roles: whichever pipe runs, the switch comes from the mono pipe and the
+// combined record uses each pipe's record in its own role.
+TEST_F(DriverFusion, SwitchComesFromTheMonoPipeInBothRoles) {
+    writeParamFiles();
+    startPair();
+    colour.publishSwitch(0);
+    mono.publishSwitch(2);
+    colour.fusion();
+    mono.fusion();
+    for (HostPipe* pipe : {&colour, &mono}) {
+        dsp.clearCalls();
+        ASSERT_EQ(pipe->fusion(), 0);
+        ASSERT_EQ(dsp.setsOfType(DSP_AEW_CFG_TYPE_FSSWITCH).size(), 1u);
+        EXPECT_EQ(dsp.setsOfType(DSP_AEW_CFG_TYPE_FSSWITCH)[0].word(8), static_cast<Uint32>(DSP_OUTPUT_NIR_CAL));
+        EXPECT_EQ(pipe->instance()->pstFusionParam.pSwtich, 2u);
+    }
+    // Same inputs in the same roles: both pipes send the same combination.
+    dsp.clearCalls();
+    colour.fusion();
+    mono.fusion();
+    const auto fusions = dsp.setsOfType(DSP_AEW_CFG_TYPE_FUSION);
+    ASSERT_EQ(fusions.size(), 2u);
+    EXPECT_EQ(std::memcmp(fusions[0].bytes().data() + 72, fusions[1].bytes().data() + 72,
+                          FUSION_PARAM_V2_7_22_SCALAR_BYTES),
+              0);
+    EXPECT_EQ(fusions[0].curve, fusions[1].curve);
+}
+
+// After creation, the frame loop of a linked pair takes no memory at all.
+TEST_F(DriverFusion, FramesOfALinkedPairAllocateNothing) {
+    writeParamFiles();
+    writeRegistration(3, {100, 200, 300, 400});
+    startPair();
+    dsp.followAddresses(false);
+    ispdsp_test::MemGuard guard;
+    DRV_ispModuleResults results;
+    std::memset(&results, 0, sizeof(results));
+    for (int frame = 0; frame < 4000; ++frame) {
+        for (HostPipe* pipe : {&colour, &mono}) {
+            pipe->run().gainInterParam.gainStartIndex = frame % 16;
+            pipe->run().gainInterParam.gainEndIndex = (frame + 1) % 16;
+            pipe->run().gainInterParam.interCoff = static_cast<Float32>(frame % 11) / 10.0f;
+            pipe->run().dncMode = (frame / 100) % 2;
+            pipe->run().ptzUpdateParam.zoom = (frame * 37) % 500;
+            results.sensorStandbyParam.pSwitch = static_cast<Uint8>(frame % 3);
+            ASSERT_EQ(pipe->moduleResults(&results), 0);
+            ASSERT_EQ(pipe->gainFlags(), 0);
+            Int32 changed = 0;
+            ASSERT_EQ(pipe->refresh(&changed), 0);
+            pipe->fusion();
+        }
+        if (frame % 64 == 0) {  // the doubles' own records, not the driver's
+            dsp.clearCalls();
+            log.clear();
+            colour.flags.clear();
+            mono.flags.clear();
+        }
+    }
+    EXPECT_EQ(guard.allocCalls(), 0u);
+    EXPECT_EQ(guard.freeCalls(), 0u);
+}
+
+}  // namespace
