@@ -1,0 +1,104 @@
+// DRV_dspCalculateFusion: blends the two stored fusion records of the current
+// gain step pair into the DSP record, then holds every scalar to the DSP range.
+#include <utility>
+
+#include "common/log.h"
+#include "fusion/fusion_blend.h"
+#include "fusion/fusion_curve.h"
+#include "fusion/fusion_fields.h"
+#include "ispdsp/fusion.h"
+
+namespace {
+
+using namespace ispdsp::fusion;
+
+// x86-64 builds carry an FMA/AVX2 clone (picked at load time) so the curve
+// loop runs as vector FMAs instead of one libm call per point; the FMA is
+// exact, so both clones give identical bytes. AArch64 has FMA in its baseline.
+// ISPDSP_NO_CPU_CLONES builds the baseline code alone (to check it against the clone).
+#if defined(__x86_64__) && defined(__has_attribute) && !defined(ISPDSP_NO_CPU_CLONES)
+#if __has_attribute(target_clones)
+#define ISPDSP_FUSION_CLONES __attribute__((target_clones("arch=x86-64-v3", "default")))
+#endif
+#endif
+#ifndef ISPDSP_FUSION_CLONES
+#define ISPDSP_FUSION_CLONES
+#endif
+
+// Forced inline so every clone gets its own copy of the scalar blends.
+#define ISPDSP_FUSION_INLINE inline __attribute__((always_inline))
+
+template <Int32 I>
+ISPDSP_FUSION_INLINE void blendScalar(const Uint8* start, const Uint8* end, float c, Uint8* out) {
+    constexpr const ScalarField& F = kScalarFields[I];
+    const Int32 blended = blendRound(loadField<I>(start), loadField<I>(end), c);
+    // The DSP limit applies to the value as kept in the field's width.
+    Int32 kept;
+    if constexpr (F.width == 2) {
+        kept = F.isSigned ? static_cast<Int16>(blended) : static_cast<Uint16>(blended);
+    } else {
+        kept = F.isSigned ? static_cast<Int8>(blended) : static_cast<Uint8>(blended);
+    }
+    storeField<I>(out, clampToRange(F, kept));
+}
+
+template <Int32... I>
+ISPDSP_FUSION_INLINE void blendScalars(const Uint8* start, const Uint8* end, float c, Uint8* out,
+                         std::integer_sequence<Int32, I...>) {
+    (blendScalar<I>(start, end, c, out), ...);
+}
+
+ISPDSP_FUSION_INLINE void blendBlock(const Uint8* __restrict s, const Uint8* __restrict e, float c, Uint8* __restrict out) {
+    for (Int32 i = 0; i < kCurveBlock; ++i) {
+        out[i] = static_cast<Uint8>(blendRound(s[i], e[i], c));
+    }
+}
+
+ISPDSP_FUSION_INLINE void blendBlockInRange(const Uint8* __restrict s, const Uint8* __restrict e, float c,
+                                            Uint8* __restrict out) {
+    for (Int32 i = 0; i < kCurveBlock; ++i) {
+        out[i] = static_cast<Uint8>(blendRoundCurveInRange(s[i], e[i], c));
+    }
+}
+
+ISPDSP_FUSION_CLONES
+void blendRecords(const CFG_DSP_FusionV2722* start, const CFG_DSP_FusionV2722* end, float c,
+                  FUSION_PARAM_V2_7_22* out, Uint8* outCurve) {
+    blendScalars(reinterpret_cast<const Uint8*>(start), reinterpret_cast<const Uint8*>(end), c,
+                 reinterpret_cast<Uint8*>(out), std::make_integer_sequence<Int32, kScalarFieldCount>{});
+
+    const Uint8* s = start->w_nir;
+    const Uint8* e = end->w_nir;
+    if (curvesOverlap(outCurve, s) || curvesOverlap(outCurve, e)) {
+        // A curve buffer inside the input records: plain in-order loop.
+        for (Int32 i = 0; i < FUSION_NIR_POINTS; ++i) outCurve[i] = static_cast<Uint8>(blendRound(s[i], e[i], c));
+        return;
+    }
+    if (c >= 0.0f && c <= 1.0f) {  // every frame: the host keeps the coefficient in 0..1
+        forEachCurveBlock([&](Int32 first) { blendBlockInRange(s + first, e + first, c, outCurve + first); });
+    } else {
+        forEachCurveBlock([&](Int32 first) { blendBlock(s + first, e + first, c, outCurve + first); });
+    }
+}
+
+}  // namespace
+
+Int32 DRV_dspCalculateFusion(DSP_FusionCalculateParam* fusionCalParam, DSP_FusionV2722* param) {
+    ISP_CHECK_PTR(fusionCalParam, "fusionCalParam");
+    ISP_CHECK_PTR(param, "param");
+    ISP_CHECK_PTR(fusionCalParam->gainInterParam, "fusionCalParam->gainInterParam");
+    ISP_CHECK_PTR(param->fusionParam.w_nir, "w_nir");
+
+    const DRV_gainInterParam& gain = *fusionCalParam->gainInterParam;
+    // The host keeps both indexes in 0..15; anything else is a host fault that
+    // is reported, never clamped into a plausible-looking blend.
+    if (!gainIndexesValid(gain)) {
+        ISP_LOG_ERROR("gain index out of range: start %d, end %d\n", gain.gainStartIndex, gain.gainEndIndex);
+        return -1;
+    }
+
+    param->pSwtich = static_cast<UINT32>(fusionCalParam->pSwitch);
+    blendRecords(&fusionCalParam->fusionParam[gain.gainStartIndex], &fusionCalParam->fusionParam[gain.gainEndIndex],
+                 gain.interCoff, &param->fusionParam, static_cast<Uint8*>(param->fusionParam.w_nir));
+    return 0;
+}

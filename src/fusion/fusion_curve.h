@@ -1,0 +1,32 @@
+// Walking a 511-point NIR curve in fixed-size blocks: a constant trip count over
+// buffers known not to overlap is what lets the compiler vectorise a point
+// kernel at the library's optimisation level.
+#pragma once
+
+#include <cstdint>
+
+#include "ispdsp/fusion.h"
+
+namespace ispdsp::fusion {
+
+inline constexpr Int32 kCurveBlock = 32;
+static_assert(FUSION_NIR_POINTS >= kCurveBlock);
+
+inline bool curvesOverlap(const void* a, const void* b) {
+    const std::uintptr_t pa = reinterpret_cast<std::uintptr_t>(a);
+    const std::uintptr_t pb = reinterpret_cast<std::uintptr_t>(b);
+    return pa < pb + FUSION_NIR_POINTS && pb < pa + FUSION_NIR_POINTS;
+}
+
+// Calls block(first) for blocks of kCurveBlock points covering 0..510; the last
+// block ends at point 510 and overlaps its predecessor, which is harmless when
+// each output point depends on that point alone and the output is a separate
+// buffer (check curvesOverlap first).
+template <class BlockFn>
+inline void forEachCurveBlock(BlockFn&& block) {
+    Int32 first = 0;
+    for (; first + kCurveBlock <= FUSION_NIR_POINTS; first += kCurveBlock) block(first);
+    if (first < FUSION_NIR_POINTS) block(FUSION_NIR_POINTS - kCurveBlock);
+}
+
+}  // namespace ispdsp::fusion

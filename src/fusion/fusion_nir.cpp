@@ -1,0 +1,182 @@
+// NIR weight curve from the text file /tmp/nir.txt into the two stored fusion
+// records of the current blend, for live tuning.
+//
+// File format: 40 lines; lines 1..39 hold 13 integers, each followed by a
+// comma ("%d,%d,...,%d,"), line 40 holds the last 4 ("%d,%d,%d,%d").
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "common/log.h"
+#include "fusion/fusion_fields.h"
+#include "ispdsp/fusion.h"
+
+using namespace ispdsp::fusion;
+
+namespace {
+
+constexpr Char kNirFilePath[] = "/tmp/nir.txt";
+constexpr Int32 kNirLines = 40;
+constexpr Int32 kNirPointsPerLine = 13;
+constexpr Int32 kNirLastLinePoints = 4;
+static_assert((kNirLines - 1) * kNirPointsPerLine + kNirLastLinePoints == FUSION_NIR_POINTS);
+constexpr Int32 kNirReadSize = 256;  // per OSA_fgets call, line end included
+constexpr Uint32 kNirBufferBytes = FUSION_NIR_POINTS * sizeof(Int32);
+constexpr Int32 kNirPrintStride = 13;
+
+// Reads up to `count` integers written "n,n,...,n": blanks may precede a
+// number, every number but the last must be followed directly by a comma.
+// Returns how many were read. Out-of-range numbers saturate to Int32.
+Int32 parseNirLine(const Char* line, Int32* out, Int32 count) {
+    const Char* p = line;
+    for (Int32 k = 0; k < count; ++k) {
+        if (k > 0) {
+            if (*p != ',') return k;
+            ++p;
+        }
+        Char* end = nullptr;
+        const long v = std::strtol(p, &end, 10);
+        if (end == p) return k;
+        out[k] = v > INT32_MAX ? INT32_MAX : (v < INT32_MIN ? INT32_MIN : static_cast<Int32>(v));
+        p = end;
+    }
+    return count;
+}
+
+}  // namespace
+
+// Reads one line of the curve file and parses up to `count` points into `out`.
+// Returns the number of points parsed, or -1 when OSA_fgets delivered no line.
+static Int32 readNirLine(OSA_FileHandle file, Int32* out, Int32 count) {
+    Char readBuf[512] = {};
+    if (OSA_fgets(readBuf, kNirReadSize, file) != 0) {
+        return -1;
+    }
+    return parseNirLine(readBuf, out, count);
+}
+
+// Fills buffer[0..510]; 0 when the file was opened and all 40 lines were read,
+// -1 otherwise. A line holding fewer numbers than its pattern fails the whole
+// load (and stops reading), so no point that the file did not supply can reach
+// the records.
+static Int32 DRV_ispGetNirCfg(const Char* path, Int32* buffer) {
+    OSA_FileHandle file = nullptr;
+    if (OSA_fileOpen(path, OSA_FILE_MODE_READ, &file) != 0) {
+        ISP_LOG_WARN("%s open failed\n", path);
+        return -1;
+    }
+
+    Int32 next = 0;
+    Int32 linesRead = 0;
+    bool complete = true;
+    for (Int32 line = 1; line < kNirLines; ++line) {
+        const Int32 got = readNirLine(file, buffer + next, kNirPointsPerLine);
+        if (got < 0) {
+            ISP_LOG_ERROR("OSA_fgets error! \n");
+            break;
+        }
+        if (got != kNirPointsPerLine) {
+            ISP_LOG_ERROR("%s line %d holds %d of %d points\n", path, line, got, kNirPointsPerLine);
+            complete = false;
+            break;
+        }
+        ++linesRead;
+        next += kNirPointsPerLine;
+    }
+    if (complete) {
+        // The last line is read even after a failed read; `next` stays within
+        // the buffer (at most 507).
+        const Int32 got = readNirLine(file, buffer + next, kNirLastLinePoints);
+        if (got < 0) {
+            ISP_LOG_ERROR("OSA_fgets error! \n");
+        } else if (got != kNirLastLinePoints) {
+            ISP_LOG_ERROR("%s line %d holds %d of %d points\n", path, linesRead + 1, got, kNirLastLinePoints);
+            complete = false;
+        } else {
+            ++linesRead;
+        }
+    }
+    OSA_fileClose(file);
+    return (complete && linesRead == kNirLines) ? 0 : -1;
+}
+
+// Logs the title, then points [from, to) as "%4d " each, `stride` to a line.
+// Only ever called with from 0 and to == inDataNum == 511. For other arguments:
+// points at or past inDataNum are never read (to is cut to inDataNum), the
+// stride count runs from `from`, a stride of 0 breaks lines only after the last
+// point, and a line is flushed early rather than overflow its buffer.
+static Uint32 DRV_dspPrintNir(Uint32 from, Uint32 to, const Uint8* inData, Uint32 inDataNum, const Char* titleStr,
+                              Uint32 stride) {
+    if (inData == nullptr) {
+        ISP_LOG_NULL("inData");
+        return static_cast<Uint32>(-1);
+    }
+    ISP_LOG_INFO("%s:\n", titleStr != nullptr ? titleStr : "");
+
+    const Uint32 end = to < inDataNum ? to : inDataNum;
+    Char line[256] = {};
+    size_t len = 0;
+    Uint32 appended = 0;
+    for (Uint32 i = from; i < end; ++i) {
+        Char piece[40];
+        const Int32 n = std::snprintf(piece, sizeof piece, "%4d ", inData[i]);
+        const size_t pieceLen = n > 0 ? static_cast<size_t>(n) : 0;
+        if (len + pieceLen >= sizeof line) {
+            ISP_LOG_INFO("%s \n", line);
+            len = 0;
+        }
+        std::memcpy(line + len, piece, pieceLen + 1);
+        len += pieceLen;
+        ++appended;
+        if ((stride != 0 && appended % stride == 0) || i + 1 == end) {
+            ISP_LOG_INFO("%s \n", line);
+            len = 0;
+            line[0] = '\0';
+        }
+    }
+    return 0;
+}
+
+Int32 DRV_dspdbgFusionNir(CFG_DSP_FusionV2722* cfgFusionParam, DRV_gainInterParam* gainInterParam, Int32 pcmd_id,
+                          Int32 value) {
+    (void)value;
+    ISP_CHECK_PTR(cfgFusionParam, "cfgFusionParam");
+    ISP_CHECK_PTR(gainInterParam, "gainInterParam");
+
+    Char nir_file_path[512] = {};
+    std::memcpy(nir_file_path, kNirFilePath, sizeof kNirFilePath);
+
+    Int32* buffer = static_cast<Int32*>(OSA_memUAllocAlign(kNirBufferBytes, 0));
+    if (buffer == nullptr) {
+        ISP_LOG_WARN("buffer malloc failed\n");
+        return -1;
+    }
+    if (pcmd_id != 0) {
+        OSA_memUFree(buffer);
+        return 0;
+    }
+    // Indexes outside the sixteen records are refused, never clamped.
+    if (!gainIndexesValid(*gainInterParam)) {
+        ISP_LOG_ERROR("gain index out of range: start %d, end %d\n", gainInterParam->gainStartIndex,
+                      gainInterParam->gainEndIndex);
+        OSA_memUFree(buffer);
+        return -1;
+    }
+    if (DRV_ispGetNirCfg(nir_file_path, buffer) != 0) {
+        OSA_memUFree(buffer);
+        return -1;
+    }
+
+    Uint8* start = cfgFusionParam[gainInterParam->gainStartIndex].w_nir;
+    Uint8* end = cfgFusionParam[gainInterParam->gainEndIndex].w_nir;
+    for (Int32 i = 0; i < FUSION_NIR_POINTS; ++i) {
+        const Int32 v = buffer[i] > 255 ? 255 : buffer[i];
+        start[i] = static_cast<Uint8>(v);  // low 8 bits: -1 becomes 255
+        end[i] = static_cast<Uint8>(v);
+    }
+    DRV_dspPrintNir(0, FUSION_NIR_POINTS, start, FUSION_NIR_POINTS, "DRV_dspdbgFusionNir w_nir", kNirPrintStride);
+
+    OSA_memUFree(buffer);
+    return 0;
+}
