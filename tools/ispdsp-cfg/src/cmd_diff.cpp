@@ -1,0 +1,148 @@
+// diff: differences between two parameter files, by header field, table and field.
+#include <cstdio>
+#include <map>
+
+#include "commands.h"
+#include "file_checks.h"
+#include "header_codec.h"
+#include "param_file_image.h"
+#include "type_names.h"
+
+namespace ispcfg {
+namespace {
+
+std::string hexByte(uint8_t b) {
+    char text[8];
+    std::snprintf(text, sizeof text, "0x%02X", b);
+    return text;
+}
+
+// Tables are paired by type and, for a repeated type, by occurrence.
+using TableKey = std::pair<int32_t, int>;
+
+std::vector<TableKey> keysOf(const std::vector<TableEntry>& entries) {
+    std::map<int32_t, int> seen;
+    std::vector<TableKey> keys;
+    for (const TableEntry& e : entries) keys.emplace_back(e.type, seen[e.type]++);
+    return keys;
+}
+
+std::string keyLabel(const TableKey& k) {
+    return tableTypeName(k.first) + (k.second > 0 ? " (occurrence " + std::to_string(k.second + 1) + ")" : "");
+}
+
+void diffTable(const std::string& label, const TableEntry& a, const TableEntry& b, std::vector<std::string>& out) {
+    for (const FieldDef& f : allFields()) {
+        const bool fusion = std::string_view(f.record) == "fusion";
+        for (size_t step = 0; step < (fusion ? kGainSteps : 1); ++step) {
+            const size_t at = fusion ? kFusionOffset + step * kStepBytes + f.offset : f.offset;
+            const int64_t va = loadField(a.bytes.data() + at, f.type);
+            const int64_t vb = loadField(b.bytes.data() + at, f.type);
+            if (va != vb) {
+                out.push_back(label + " " + fieldPath(f, fusion ? static_cast<int>(step) : -1) + ": " +
+                              std::to_string(va) + " -> " + std::to_string(vb));
+            }
+        }
+    }
+    for (size_t step = 0; step < kGainSteps; ++step) {
+        const size_t at = kFusionOffset + step * kStepBytes + kNirOffset;
+        size_t differing = 0, first = 0;
+        for (size_t i = kNirPoints; i-- > 0;) {
+            if (a.bytes[at + i] != b.bytes[at + i]) {
+                ++differing;
+                first = i;
+            }
+        }
+        if (differing != 0) {
+            out.push_back(label + " fusion[" + std::to_string(step) + "].w_nir: " + std::to_string(differing) +
+                          " of 511 points differ (first [" + std::to_string(first) + "]: " +
+                          std::to_string(a.bytes[at + first]) + " -> " + std::to_string(b.bytes[at + first]) + ")");
+        }
+    }
+    const auto& padding = paddingMask();
+    for (size_t i = 0; i < kTableBytes; ++i) {
+        if (padding[i] && a.bytes[i] != b.bytes[i]) {
+            out.push_back(label + " padding byte at table offset " + std::to_string(i) + ": " + hexByte(a.bytes[i]) +
+                          " -> " + hexByte(b.bytes[i]));
+        }
+    }
+}
+
+void diffHeader(const ParsedFile& a, const ParsedFile& b, std::vector<std::string>& out) {
+    const FileHeader& ha = a.image.header;
+    const FileHeader& hb = b.image.header;
+    if (ha.verBits != hb.verBits)
+        out.push_back("header.ver: " + describeFloat(ha.verBits) + " -> " + describeFloat(hb.verBits));
+    if (ha.dateTime != hb.dateTime)
+        out.push_back("header.dateTime: " + describeText(ha.dateTime) + " -> " + describeText(hb.dateTime));
+    if (ha.subVerBits != hb.subVerBits)
+        out.push_back("header.subVer: " + describeFloat(ha.subVerBits) + " -> " + describeFloat(hb.subVerBits));
+    if (ha.archName != hb.archName)
+        out.push_back("header.archName: " + describeText(ha.archName) + " -> " + describeText(hb.archName));
+    if (ha.pdtName != hb.pdtName)
+        out.push_back("header.pdtName: " + describeText(ha.pdtName) + " -> " + describeText(hb.pdtName));
+    if (a.sizeWord != b.sizeWord) {
+        out.push_back("block size: " + std::to_string(a.sizeWord) + " -> " + std::to_string(b.sizeWord));
+    }
+    if (a.storedChecksum != b.storedChecksum || a.checksumPresent != b.checksumPresent) {
+        char text[64];
+        std::snprintf(text, sizeof text, "checksum: 0x%08X -> 0x%08X", static_cast<uint32_t>(a.storedChecksum),
+                      static_cast<uint32_t>(b.storedChecksum));
+        out.push_back(text);
+    }
+    if (a.blockTail != b.blockTail) out.push_back("incomplete last entry differs");
+    if (a.afterChecksum != b.afterChecksum) {
+        out.push_back("bytes after the checksum: " + std::to_string(a.afterChecksum.size()) + " -> " +
+                      std::to_string(b.afterChecksum.size()) +
+                      (a.afterChecksum.size() == b.afterChecksum.size() ? " (content differs)" : ""));
+    }
+}
+
+}  // namespace
+
+int runDiff(const std::string& pathA, const std::string& pathB, std::ostream& out, std::ostream& err) {
+    std::string error;
+    auto a = loadParamFile(pathA, error);
+    if (!a) {
+        err << "error: " << error << "\n";
+        return kExitError;
+    }
+    auto b = loadParamFile(pathB, error);
+    if (!b) {
+        err << "error: " << error << "\n";
+        return kExitError;
+    }
+    std::vector<std::string> diffs;
+    diffHeader(*a, *b, diffs);
+
+    const std::vector<TableKey> ka = keysOf(a->image.entries);
+    const std::vector<TableKey> kb = keysOf(b->image.entries);
+    std::map<TableKey, size_t> indexB;
+    for (size_t i = 0; i < kb.size(); ++i) indexB[kb[i]] = i;
+    std::map<TableKey, size_t> indexA;
+    for (size_t i = 0; i < ka.size(); ++i) indexA[ka[i]] = i;
+
+    std::vector<TableKey> commonA, commonB;
+    for (const TableKey& k : ka) {
+        if (!indexB.count(k))
+            diffs.push_back("only in " + pathA + ": " + keyLabel(k));
+        else
+            commonA.push_back(k);
+    }
+    for (const TableKey& k : kb) {
+        if (!indexA.count(k))
+            diffs.push_back("only in " + pathB + ": " + keyLabel(k));
+        else
+            commonB.push_back(k);
+    }
+    if (commonA != commonB) diffs.push_back("the tables they share come in a different order");
+    for (const TableKey& k : commonA) {
+        diffTable(keyLabel(k), a->image.entries[indexA[k]], b->image.entries[indexB[k]], diffs);
+    }
+
+    for (const std::string& d : diffs) out << d << "\n";
+    out << (diffs.empty() ? "no differences\n" : std::to_string(diffs.size()) + " differences\n");
+    return diffs.empty() ? kExitOk : kExitFindings;
+}
+
+}  // namespace ispcfg

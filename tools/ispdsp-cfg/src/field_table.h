@@ -1,0 +1,59 @@
+// The one table of every named value in a parameter table: where it lies, how wide it is and
+// the range the DSP accepts (the limits the driver's calculations hold it to). The JSON codecs,
+// `check`, `diff` and `plot` all walk this table, so a field is described exactly once.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace ispcfg {
+
+enum class Scalar : uint8_t { U8, I8, U16, I16, U32, I32 };
+
+struct FieldDef {
+    const char* record;  // JSON key of the record: "" (table level), "fusion" or "ispLaeParam" and the like
+    const char* group;   // nested record inside it ("plateLaeParam"), or "" for none
+    const char* name;    // field name as in the stored record
+    uint16_t offset;     // fusion fields: inside one gain step; all others: inside the table
+    Scalar type;
+    int64_t dspLow;  // range the DSP accepts; the full width when the DSP takes any value
+    int64_t dspHigh;
+};
+
+inline constexpr size_t kTableBytes = 8820;  // CFG_DspIspCfgParam
+inline constexpr size_t kEntryBytes = 8824;  // type word + table
+inline constexpr size_t kGainSteps = 16;
+inline constexpr size_t kStepBytes = 544;   // CFG_DSP_FusionV2722
+inline constexpr size_t kFusionOffset = 4;  // ispFusionParam inside the table
+inline constexpr size_t kNirPoints = 511;
+inline constexpr size_t kNirOffset = 33;  // w_nir inside one gain step
+
+// Every field in layout order: the table-level flag, the 26 fusion scalars of one gain step,
+// then the stage records in table order.
+std::span<const FieldDef> allFields();
+// The 26 fusion scalars (record "fusion").
+std::span<const FieldDef> fusionFields();
+// The stage records' fields (everything after the fusion records), in table order.
+std::span<const FieldDef> stageFields();
+// The table-level flag ispFusionFlag.
+const FieldDef& fusionFlagField();
+
+size_t widthOf(Scalar type);
+int64_t minOf(Scalar type);
+int64_t maxOf(Scalar type);
+const char* typeName(Scalar type);  // "Uint16", "Int8", ...
+
+// Little-endian load/store of one field at bytes[offset] (two's complement for signed types).
+int64_t loadField(const uint8_t* bytes, Scalar type);
+void storeField(uint8_t* bytes, Scalar type, int64_t value);
+
+// "ispLaeParam.plateLaeParam.gbce_level", "fusion[3].ep_delta", "ispFusionFlag".
+std::string fieldPath(const FieldDef& field, int gainStep = -1);
+
+// True for every table byte that no field covers (the records' padding).
+const std::array<bool, kTableBytes>& paddingMask();
+
+}  // namespace ispcfg

@@ -1,0 +1,113 @@
+// ispdsp-cfg: the tuning-file tool. Builds binary ISP parameter files from a JSON source,
+// dumps them back, checks them against the DSP's ranges, explains the driver's table choice,
+// compares two files and plots a table's fusion parameters.
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "commands.h"
+
+namespace {
+
+constexpr const char* kSourceFormat = R"(JSON source format:
+  {
+    "header": {"ver": 82981.0, "dateTime": "2024-05-06 10:00:00", "subVer": 1.0,
+               "archName": "chip", "pdtName": "product"},
+    "tables": [
+      {"type": "PARAM_MULTICOLOR",          // PARAM_TABLE_TYPE name; each type once
+       "ispFusionFlag": 1,
+       "fusion": [                          // 16 gain steps, step 0 first
+         {"ep_delta": 64, "fusion_hf_ratio": 200, ... 26 scalar fields ...,
+          "w_nir": {"ramp": [16, 200]}},
+         ...],
+       "ispLsmParam": {"aw_left_thr": 64, ...},
+       "ispLaeParam": {"plateLaeParam": {...}, "windowLaeParam": {...}},
+       "ispSbm3dParam": {...}, "ispYuv2yuvParam": {...}, "ispFusionPlateParam": {...},
+       "ispFg2cParam": {...}, "ispLleParam": {...}, "ispYlwdrParam": {...},
+       "ispY2dParam": {...}, "ispDlaeParam": {...}, "ispDlcfaParam": {...},
+       "ispSadeParam": {...}},
+      ...]
+  }
+  Fields carry the names of the stored records. Missing fields and records are 0; unknown
+  names are errors. Tables are written in the order listed. Comments are allowed.
+  w_nir (511 points, 0..255) is one of:
+    [v0, ..., v510]            every point
+    {"constant": v}            all points v
+    {"ramp": [from, to]}       straight line from point 0 to point 510
+    {"knots": [[x, y], ...]}   piecewise linear, x rising in 0..510, flat outside the knots
+  (between knots: rounded half away from zero). Header texts are up to 32 bytes of UTF-8, or
+  {"hex": "..."} for raw bytes; versions are numbers, or {"bits": "0x47A21280"}.
+  Values must fit their field's type; values outside the DSP's range are warnings (`check`).
+  Padding bytes are written as 0, so dump/build normalise them.)";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app{"ispdsp-cfg: build, inspect and check ISP parameter files (dsp_isp_para.bin)"};
+    app.require_subcommand(1);
+    app.footer(
+        "Exit status: 0 ok, 1 findings or warnings, 2 usage or hard errors.\n"
+        "The JSON source format is described by `ispdsp-cfg build --help`.");
+    int status = ispcfg::kExitOk;
+
+    ispcfg::BuildOptions build;
+    auto* buildCmd = app.add_subcommand("build", "JSON source -> binary parameter file");
+    buildCmd->add_option("source", build.source, "JSON source")->required();
+    buildCmd->add_option("-o,--output", build.output, "binary parameter file to write")->required();
+    buildCmd->add_flag("--stamp-date", build.stampDate, "set dateTime to the current UTC time");
+    buildCmd->footer(kSourceFormat);
+    buildCmd->callback([&] { status = ispcfg::runBuild(build, std::cout, std::cerr); });
+
+    ispcfg::DumpOptions dump;
+    auto* dumpCmd = app.add_subcommand("dump", "binary parameter file -> JSON source (build of it is byte-identical)");
+    dumpCmd->add_option("file", dump.input, "binary parameter file")->required();
+    dumpCmd->add_option("-o,--output", dump.output, "JSON file to write (default: standard output)");
+    dumpCmd->callback([&] { status = ispcfg::runDump(dump, std::cout, std::cerr); });
+
+    std::string checkInput;
+    auto* checkCmd = app.add_subcommand(
+        "check", "version, checksum, block layout, table types and every field against the DSP's ranges");
+    checkCmd->add_option("file", checkInput, "binary parameter file")->required();
+    checkCmd->callback([&] { status = ispcfg::runCheck(checkInput, std::cout, std::cerr); });
+
+    ispcfg::SelectOptions select;
+    auto* selectCmd =
+        app.add_subcommand("select", "which table a camera state chooses and why (the library's choice, explained)");
+    selectCmd->add_option("file", select.input, "binary parameter file")->required();
+    auto* all = selectCmd->add_flag("--all", select.all, "every row of the state map");
+    selectCmd->add_option("--dnc", select.state.realDncMode, "realDncMode: 0 black-and-white, else colour")
+        ->default_val(1)
+        ->excludes(all);
+    selectCmd->add_option("--hdr", select.state.hdrMode, "hdrMode: 0 linear, 4 WDR, other nonzero HDR")
+        ->default_val(0)
+        ->excludes(all);
+    selectCmd->add_option("--scene-mode", select.state.sceneMode, "sceneMode: 2 night, else day")
+        ->default_val(0)
+        ->excludes(all);
+    selectCmd
+        ->add_option("--image-scene", select.state.imageScene,
+                     "imageScene: 0 base, 1 traffic, 2 face, 4 IVS, 5..13 other scenes")
+        ->default_val(0)
+        ->excludes(all);
+    selectCmd->callback([&] { status = ispcfg::runSelect(select, std::cout, std::cerr); });
+
+    std::string diffA, diffB;
+    auto* diffCmd = app.add_subcommand("diff", "differences between two files by header, table and field");
+    diffCmd->add_option("a", diffA, "first file")->required();
+    diffCmd->add_option("b", diffB, "second file")->required();
+    diffCmd->callback([&] { status = ispcfg::runDiff(diffA, diffB, std::cout, std::cerr); });
+
+    ispcfg::PlotOptions plot;
+    auto* plotCmd = app.add_subcommand("plot", "SVG of one table's fusion parameters and NIR weight curves");
+    plotCmd->add_option("file", plot.input, "binary parameter file")->required();
+    plotCmd->add_option("--table", plot.table, "PARAM_TABLE_TYPE name, e.g. PARAM_MULTICOLOR")->required();
+    plotCmd->add_option("-o,--output", plot.output, "SVG file to write")->required();
+    plotCmd->callback([&] { status = ispcfg::runPlot(plot, std::cout, std::cerr); });
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        const int code = app.exit(e);  // prints help, or the usage error
+        return code == 0 ? ispcfg::kExitOk : ispcfg::kExitError;
+    }
+    return status;
+}

@@ -1,0 +1,145 @@
+#include "param_file_image.h"
+
+#include <bit>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+namespace ispcfg {
+namespace {
+
+uint32_t loadWord(const uint8_t* p) {
+    return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 | static_cast<uint32_t>(p[2]) << 16 |
+           static_cast<uint32_t>(p[3]) << 24;
+}
+
+void appendWord(std::vector<uint8_t>& out, uint32_t word) {
+    for (int i = 0; i < 4; ++i) out.push_back(static_cast<uint8_t>(word >> (8 * i)));
+}
+
+void putWord(uint8_t* p, uint32_t word) {
+    for (int i = 0; i < 4; ++i) p[i] = static_cast<uint8_t>(word >> (8 * i));
+}
+
+}  // namespace
+
+float floatFromBits(uint32_t bits) { return std::bit_cast<float>(bits); }
+uint32_t bitsFromFloat(float value) { return std::bit_cast<uint32_t>(value); }
+
+int32_t fileChecksum(const uint8_t* header104, const uint8_t* block, size_t blockSize) {
+    uint32_t sum = 0;
+    for (size_t i = 0; i < kHeaderBytes; i += 4) sum ^= loadWord(header104 + i);
+    for (size_t i = 0; i + 4 <= blockSize; i += 4) sum ^= loadWord(block + i);
+    return static_cast<int32_t>(sum);
+}
+
+std::array<uint8_t, kHeaderBytes> headerBytes(const FileHeader& h) {
+    std::array<uint8_t, kHeaderBytes> out{};
+    putWord(out.data(), h.verBits);
+    std::memcpy(out.data() + 4, h.dateTime.data(), kTextBytes);
+    putWord(out.data() + 36, h.subVerBits);
+    std::memcpy(out.data() + 40, h.archName.data(), kTextBytes);
+    std::memcpy(out.data() + 72, h.pdtName.data(), kTextBytes);
+    return out;
+}
+
+std::optional<ParsedFile> parseParamFile(const std::vector<uint8_t>& bytes, std::string& error) {
+    if (bytes.size() <= kFileOverhead) {
+        error = "file is " + std::to_string(bytes.size()) + " bytes long: a parameter file needs more than " +
+                std::to_string(kFileOverhead) + " (header, size word and checksum)";
+        return std::nullopt;
+    }
+    ParsedFile f;
+    f.fileLength = bytes.size();
+    const uint8_t* p = bytes.data();
+    FileHeader& h = f.image.header;
+    h.verBits = loadWord(p);
+    std::memcpy(h.dateTime.data(), p + 4, kTextBytes);
+    h.subVerBits = loadWord(p + 36);
+    std::memcpy(h.archName.data(), p + 40, kTextBytes);
+    std::memcpy(h.pdtName.data(), p + 72, kTextBytes);
+    f.sizeWord = loadWord(p + kHeaderBytes);
+
+    const size_t blockStart = kHeaderBytes + 4;
+    const uint64_t afterSize = bytes.size() - blockStart;
+    f.blockBytesPresent = std::min<uint64_t>(f.sizeWord, afterSize);
+    const uint8_t* block = p + blockStart;
+
+    size_t offset = 0;
+    for (; offset + kEntryBytes <= f.blockBytesPresent; offset += kEntryBytes) {
+        TableEntry entry;
+        entry.type = static_cast<int32_t>(loadWord(block + offset));
+        std::memcpy(entry.bytes.data(), block + offset + 4, kTableBytes);
+        f.image.entries.push_back(entry);
+    }
+    f.blockTail.assign(block + offset, block + f.blockBytesPresent);
+
+    f.computedChecksum = fileChecksum(p, block, f.blockBytesPresent);
+    const uint64_t checksumAt = blockStart + static_cast<uint64_t>(f.sizeWord);
+    if (checksumAt + 4 <= bytes.size()) {
+        f.checksumPresent = true;
+        f.storedChecksum = static_cast<int32_t>(loadWord(p + checksumAt));
+        f.afterChecksum.assign(bytes.begin() + static_cast<std::ptrdiff_t>(checksumAt + 4), bytes.end());
+    }
+    return f;
+}
+
+std::vector<uint8_t> serializeParamFile(const ParamFileImage& image) {
+    std::vector<uint8_t> out;
+    out.reserve(kFileOverhead + image.entries.size() * kEntryBytes);
+    const auto header = headerBytes(image.header);
+    out.insert(out.end(), header.begin(), header.end());
+    appendWord(out, static_cast<uint32_t>(image.entries.size() * kEntryBytes));
+    for (const TableEntry& e : image.entries) {
+        appendWord(out, static_cast<uint32_t>(e.type));
+        out.insert(out.end(), e.bytes.begin(), e.bytes.end());
+    }
+    const size_t blockSize = out.size() - (kHeaderBytes + 4);
+    appendWord(out, static_cast<uint32_t>(fileChecksum(out.data(), out.data() + kHeaderBytes + 4, blockSize)));
+    return out;
+}
+
+bool readFileBytes(const std::string& path, std::vector<uint8_t>& bytes, std::string& error) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        error = path + ": cannot open: " + std::strerror(errno);
+        return false;
+    }
+    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    if (in.bad()) {
+        error = path + ": read error";
+        return false;
+    }
+    return true;
+}
+
+bool writeFileBytes(const std::string& path, const std::vector<uint8_t>& bytes, std::string& error) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!out) {
+        error = path + ": cannot create: " + std::strerror(errno);
+        return false;
+    }
+    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    if (!out) {
+        error = path + ": write error";
+        return false;
+    }
+    return true;
+}
+
+bool writeTextFile(const std::string& path, const std::string& text, std::string& error) {
+    return writeFileBytes(path, std::vector<uint8_t>(text.begin(), text.end()), error);
+}
+
+std::optional<ParsedFile> loadParamFile(const std::string& path, std::string& error) {
+    std::vector<uint8_t> bytes;
+    if (!readFileBytes(path, bytes, error)) return std::nullopt;
+    std::string why;
+    auto parsed = parseParamFile(bytes, why);
+    if (!parsed) error = path + ": " + why;
+    return parsed;
+}
+
+}  // namespace ispcfg

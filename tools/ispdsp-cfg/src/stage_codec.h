@@ -1,0 +1,29 @@
+// The stage records of a table in JSON, each under its table field name with its fields by
+// name; LAE nests its two parts:
+//
+//   "ispLsmParam": {"aw_left_thr": 64, "aw_right_thr": 960, "aw_top_thr": 64, "aw_bottom_thr": 960},
+//   "ispLaeParam": {"plateLaeParam": {"manual_en": 1, ...}, "windowLaeParam": {"manual_en": 0, ...}},
+//   "ispSbm3dParam", "ispYuv2yuvParam", "ispFusionPlateParam", "ispFg2cParam", "ispLleParam",
+//   "ispYlwdrParam", "ispY2dParam", "ispDlaeParam", "ispDlcfaParam", "ispSadeParam"
+//
+// Missing records and fields are 0; padding bytes are always written as 0.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "diagnostics.h"
+#include "param_file_image.h"
+
+namespace ispcfg {
+
+// The stage record keys in table order.
+const std::vector<std::string>& stageRecordKeys();
+
+// Adds every stage record to `tableObject`.
+void encodeStages(const TableEntry& table, OrderedJson& tableObject);
+// Decodes one stage record (key must be one of stageRecordKeys()).
+void decodeStageRecord(const std::string& key, const Json& value, TableEntry& table, const std::string& where,
+                       Diagnostics& diag);
+
+}  // namespace ispcfg

@@ -1,0 +1,18 @@
+// Names of the 120 parameter table types (PARAM_TABLE_TYPE), as used in the JSON source.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ispcfg {
+
+inline constexpr int32_t kTableTypes = 120;
+
+// "PARAM_HDR_TRAFFIC" for 14; "type 120" for a value outside 0..119.
+std::string tableTypeName(int32_t type);
+// The type of a name, or nothing.
+std::optional<int32_t> tableTypeFromName(std::string_view name);
+
+}  // namespace ispcfg

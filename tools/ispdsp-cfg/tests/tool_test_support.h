@@ -1,0 +1,56 @@
+// Shared helpers of the ispdsp-cfg tests: a temporary folder, the sample source as a file
+// image, field edits by path, and command runs with their output captured.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "param_file_image.h"
+
+namespace ispcfg_test {
+
+// A fresh folder under the system temp dir, removed with everything in it.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    std::string path(const std::string& name) const;
+
+private:
+    std::filesystem::path dir_;
+};
+
+std::string sampleDir();
+std::string sampleSourcePath();  // data/sample/tuning.json
+std::string sampleBinaryPath();  // data/sample/dsp_isp_para.bin
+
+// The sample source decoded in process (fails the test when it does not decode).
+ispcfg::ParamFileImage sampleImage();
+
+// The entry of a type (the last one); fails the test when there is none.
+ispcfg::TableEntry& tableOf(ispcfg::ParamFileImage& image, int32_t type);
+// Stores `value` into the field named by its path ("fusion", step 3, "ep_delta" or
+// "ispLaeParam.windowLaeParam", -1, "gbce_level"), wrapping it to the field's width.
+void setField(ispcfg::TableEntry& table, const std::string& record, int step, const std::string& name, int64_t value);
+int64_t getField(const ispcfg::TableEntry& table, const std::string& record, int step, const std::string& name);
+
+void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes);
+std::vector<uint8_t> readBytes(const std::string& path);
+void writeText(const std::string& path, const std::string& text);
+std::string readText(const std::string& path);
+
+struct RunResult {
+    int status;
+    std::string out;
+    std::string err;
+};
+// Runs one command function with captured streams.
+RunResult run(const std::function<int(std::ostream&, std::ostream&)>& command);
+
+}  // namespace ispcfg_test
