@@ -1,0 +1,101 @@
+// Builds ISP parameter file images for tests and host tools.
+//
+// Layout written (little-endian): ver, dateTime[32], subVer, archName[32], pdtName[32], the block
+// size S, S block bytes, the checksum word, then optional trailing bytes. The block is a run of
+// 8824-byte entries (Int32 table type + CFG_DspIspCfgParam) unless raw bytes replace it.
+//
+// The checksum is computed here independently of the library (XOR of the 26 header words and the
+// first floor(S / 4) block words), so tests can check the reader against it.
+//
+// Usage:
+//   auto bytes = ispdsp_test::ParamFileBuilder()
+//                    .addTable(PARAM_MULTICOLOR)
+//                    .addTable(PARAM_TRAFFIC, myTable)
+//                    .build();
+//   sandbox.writeFile("/var/tmp/dsp_isp_para.bin", bytes);
+//
+// Plain C++ (no test framework), so tools can compile it too.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ispdsp/param_table.h"
+
+namespace ispdsp_test {
+
+// "PARAM_HDR_TRAFFIC_BLACKWHITE" for 15; "PARAM_TABLE_TYPE_NUM" for 120; "PARAM_<invalid n>" otherwise.
+std::string paramTableTypeName(int32_t type);
+
+// A plausible table: fusion enabled, sixteen fusion records that move smoothly with the gain step
+// (more blur, less detail and colour, more NIR weight as the gain rises), every value inside the
+// DSP's ranges, and mid-range records for the other stages. `variant` (e.g. the table type) shifts
+// a few values so that tables of different types differ; the same variant gives the same bytes.
+CFG_DspIspCfgParam makeDefaultParamTable(uint32_t variant = 0);
+
+// The file checksum over header bytes 0..103 and the first floor(blockSize / 4) block words.
+int32_t paramFileChecksum(const uint8_t* header104, const uint8_t* block, size_t blockSize);
+
+class ParamFileBuilder {
+public:
+    // Version 82981.0, subVer 1.0, sample texts, no tables (an empty block).
+    ParamFileBuilder();
+
+    // Header fields. Texts are cut to 32 bytes and NUL-padded; 32 characters or more leave no NUL.
+    ParamFileBuilder& version(float ver);
+    ParamFileBuilder& subVersion(float subVer);
+    ParamFileBuilder& dateTime(std::string_view text);
+    ParamFileBuilder& archName(std::string_view text);
+    ParamFileBuilder& productName(std::string_view text);
+
+    // Appends one entry; the table defaults to makeDefaultParamTable(type). Any type value is
+    // written as given (invalid ones included), so registration errors can be tested. The
+    // table's padding bytes are written as 0, so the same field values give the same file.
+    ParamFileBuilder& addTable(int32_t type);
+    ParamFileBuilder& addTable(int32_t type, const CFG_DspIspCfgParam& table);
+    // Replaces the whole block (entries added before and after are ignored) by these bytes.
+    ParamFileBuilder& rawBlock(std::vector<uint8_t> bytes);
+
+    // Faults. The size word written instead of the block's real length (the block bytes, the
+    // checksum position and the checksum itself stay those of the real block).
+    ParamFileBuilder& sizeWordOverride(uint32_t size);
+    // The checksum word written instead of the correct one.
+    ParamFileBuilder& checksumOverride(int32_t chksum);
+    // The correct checksum XOR mask (a wrong checksum when mask != 0).
+    ParamFileBuilder& corruptChecksum(uint32_t mask = 1u);
+    // Bytes after the checksum (ignored by the reader).
+    ParamFileBuilder& trailingBytes(std::vector<uint8_t> bytes);
+
+    // The 104 header bytes (ver through pdtName).
+    std::vector<uint8_t> headerBytes() const;
+    // The block as written (entries or raw bytes).
+    std::vector<uint8_t> blockBytes() const;
+    // The correct checksum of this file (before any corruption).
+    int32_t checksum() const;
+    // The whole file image.
+    std::vector<uint8_t> build() const;
+    // The header record a successful load of build() leaves behind (reserved word 0).
+    CFG_IspParamTable expectedHeader() const;
+
+    // Writes build() to a host path; false on any I/O error.
+    bool writeTo(const std::string& hostPath) const;
+
+private:
+    float ver_;
+    float subVer_;
+    std::string dateTime_;
+    std::string archName_;
+    std::string pdtName_;
+    std::vector<uint8_t> entries_;
+    std::optional<std::vector<uint8_t>> rawBlock_;
+    std::optional<uint32_t> sizeWord_;
+    std::optional<int32_t> chksumOverride_;
+    uint32_t chksumMask_ = 0;
+    std::vector<uint8_t> trailing_;
+};
+
+}  // namespace ispdsp_test
