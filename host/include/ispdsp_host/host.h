@@ -23,6 +23,10 @@ typedef void (*ispdsp_host_log_sink)(void* ctx, int32_t level, int32_t category,
 /* Installs a sink; NULL restores the default (stderr, prefixed with the level). */
 void ispdsp_host_set_log_sink(ispdsp_host_log_sink sink, void* ctx);
 
+/* The installed sink and its context (both NULL for the default), so a caller
+ * can put back what it replaced. */
+void ispdsp_host_get_log_sink(ispdsp_host_log_sink* sink, void** ctx);
+
 typedef struct {
     uint64_t alloc_calls; /* OSA_memUAllocAlign + OSA_memUCallocAlign calls, failed ones included */
     uint64_t free_calls;  /* OSA_memUFree calls with a non-null block */

@@ -1,0 +1,21 @@
+# GoogleTest for the test suites. A native build uses the installed package;
+# a cross build compiles Debian's GoogleTest sources with the cross compiler,
+# because the installed libraries are built for the build machine.
+if(CMAKE_CROSSCOMPILING)
+  set(ISPDSP_GTEST_SOURCE_DIR /usr/src/googletest CACHE PATH "GoogleTest sources for cross builds")
+  if(NOT EXISTS ${ISPDSP_GTEST_SOURCE_DIR}/CMakeLists.txt)
+    message(FATAL_ERROR "Cross build: no GoogleTest sources in ${ISPDSP_GTEST_SOURCE_DIR} (install googletest)")
+  endif()
+  set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  set(gtest_force_shared_crt OFF CACHE BOOL "" FORCE)
+  add_subdirectory(${ISPDSP_GTEST_SOURCE_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  foreach(lib gtest gtest_main)
+    if(NOT TARGET GTest::${lib})
+      add_library(GTest::${lib} ALIAS ${lib})
+    endif()
+  endforeach()
+else()
+  find_package(GTest REQUIRED)
+endif()
+include(GoogleTest)
