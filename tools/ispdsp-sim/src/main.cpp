@@ -1,0 +1,121 @@
+// ispdsp-sim: runs libispdsp.so as a camera host would, on a PC. It loads the
+// library with dlopen, gives it the OSA_* services of libispdsp_host and a
+// sandboxed device file system, creates a linked colour/mono pipe pair, runs
+// the frames of a scenario and shows what reaches the DSP.
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <string>
+
+#include "driver_library.h"
+#include "options.h"
+
+#ifndef ISPDSP_SIM_DEFAULT_LIBRARY
+#define ISPDSP_SIM_DEFAULT_LIBRARY "libispdsp.so"
+#endif
+#ifndef ISPDSP_SIM_SAMPLE_DIR
+#define ISPDSP_SIM_SAMPLE_DIR "data/sample"
+#endif
+
+namespace {
+
+std::string sample(const char* name) { return std::string(ISPDSP_SIM_SAMPLE_DIR) + "/" + name; }
+
+constexpr const char* kFooter = R"(
+Each frame, for both pipes and operation by operation: OpSetModuleResults (the
+scenario's pSwitch), OpInterGainFlags, OpRefreshCfg, OpSetFusion. Every DSP
+message is decoded by stage; the fusion curve is summarised (--curves: all 511
+points); flag requests, table choices and the driver's log lines are shown too.
+
+Console (--console, --console-every N): type aewDebug commands, for example
+"ep_delta 100", "runParam 1" or "w_nir 0" (loads /tmp/nir.txt); each command is
+followed by one more frame. "continue" resumes the scenario (--console-every),
+"quit" or "exit" end the run, end of input leaves the console.
+
+Exit status: 0 run completed, 1 library/sandbox/driver setup failed (or the
+output could not be written), 2 bad command line or scenario, 130 interrupted
+(the pipes are still stopped and deleted).)";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    ispsim::Options options;
+    CLI::App app{"ispdsp-sim: host simulator for the ISP-DSP driver library (colour/mono fusion pair)"};
+    app.footer(kFooter);
+
+    options.scenario = sample("scenarios/gain_sweep.json");
+    options.library = ispsim::defaultLibraryPath(ISPDSP_SIM_DEFAULT_LIBRARY);
+    options.tuning = sample("dsp_isp_para.bin");
+    std::string calibration = sample("calibration.txt");
+    std::string nir = sample("nir.txt");
+    std::string rlr;
+    std::string root;
+    std::string monoTuning;
+    std::string output;
+    int64_t frames = 0;
+    std::string pipe = "color";
+    std::string lang = "en";
+
+    app.add_option("scenario", options.scenario, "scenario file (JSON)")->capture_default_str();
+    app.add_option("--lib", options.library, "driver library to dlopen")->capture_default_str();
+    auto* rootOption = app.add_option("--root", root, "sandbox root (ISPDSP_ROOT); default: a temporary folder");
+    app.add_flag("--keep-root", options.keepRoot, "keep the temporary sandbox root");
+    app.add_option("--tuning", options.tuning, "parameter file, placed at /var/tmp/dsp_isp_para.bin")
+        ->capture_default_str();
+    auto* monoOption = app.add_option("--mono-tuning", monoTuning,
+                                      "a second parameter file for the mono pipe: the files go to "
+                                      "/var/tmp/0/ and /var/tmp/1/ instead");
+    auto* calibrationOption = app.add_option("--calibration", calibration,
+                                             "registration file, placed at /var/tmp/calibration.txt")
+                                  ->capture_default_str();
+    bool withoutCalibration = false;
+    auto* noCalibration = app.add_flag("--no-calibration", withoutCalibration, "run without a registration file");
+    calibrationOption->excludes(noCalibration);
+    app.add_option("--nir", nir, "NIR curve file for the console's w_nir command, placed at /tmp/nir.txt")
+        ->capture_default_str();
+    auto* rlrOption = app.add_option("--rlr", rlr,
+                                     "load RLR tables at setup (DRV_loadRlrCfg) from FILE, placed at "
+                                     "/var/custom/rlr_para.bin; default FILE: the sample")
+                          ->expected(0, 1);
+    app.add_flag("--stages", options.stages, "also calculate and send the smaller stages from the current table");
+    auto* framesOption = app.add_option("--frames", frames, "number of frames (replaces the scenario's count)")
+                             ->check(CLI::Range(int64_t{0}, int64_t{1000000}));
+    app.add_flag("--json", options.json, "JSON lines instead of the table");
+    app.add_flag("--curves", options.curves, "all 511 NIR curve points");
+    app.add_flag("--quiet-log", options.quietLog, "hide the driver's log lines");
+    auto* outputOption = app.add_option("-o,--output", output, "write the results to a file");
+    app.add_flag("--console", options.console, "read aewDebug commands after the scenario");
+    app.add_option("--console-every", options.consoleEvery, "read aewDebug commands every N frames")
+        ->check(CLI::PositiveNumber);
+    app.add_option("--pipe", pipe, "pipe the console commands go to")
+        ->check(CLI::IsMember({"color", "mono"}))
+        ->capture_default_str();
+    app.add_option("--lang", lang, "console language: en, or zh for the Chinese menu (langue 1)")
+        ->check(CLI::IsMember({"en", "zh"}))
+        ->capture_default_str();
+    bool progressAlways = false;
+    bool progressNever = false;
+    auto* progressOn = app.add_flag("--progress", progressAlways, "always show the progress bar on stderr");
+    auto* progressOff = app.add_flag("--no-progress", progressNever, "never show the progress bar");
+    progressOn->excludes(progressOff);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        const int status = app.exit(e);  // prints help or the error
+        return status == 0 ? ispsim::kExitOk : ispsim::kExitUsage;
+    }
+
+    if (rootOption->count() > 0) options.root = std::filesystem::absolute(root).string();
+    if (monoOption->count() > 0) options.monoTuning = monoTuning;
+    if (!withoutCalibration) options.calibration = calibration;
+    options.nir = nir;
+    if (rlrOption->count() > 0) options.rlr = rlr.empty() ? sample("rlr_para.bin") : rlr;
+    if (framesOption->count() > 0) options.frames = frames;
+    if (outputOption->count() > 0) options.output = output;
+    options.consolePipe = pipe == "mono" ? ispsim::kMonoPipe : ispsim::kColorPipe;
+    options.langue = lang == "zh" ? 1 : 0;
+    if (progressAlways) options.progress = ispsim::Options::ProgressMode::On;
+    if (progressNever) options.progress = ispsim::Options::ProgressMode::Off;
+
+    return ispsim::runSimulation(options);
+}

@@ -1,0 +1,52 @@
+#include "reporter.h"
+
+#include "ispdsp_host/host.h"
+#include "names.h"
+#include "text_encoding.h"
+
+namespace ispsim {
+
+Reporter::Reporter(std::unique_ptr<Formatter> formatter, bool showLog)
+    : formatter_(std::move(formatter)), showLog_(showLog) {}
+
+Reporter::~Reporter() = default;
+
+void Reporter::emit(const std::string& kind, const Event& payload) {
+    Event event;
+    event["event"] = kind;
+    event["phase"] = context_.phase;
+    event["frame"] = context_.frame >= 0 ? Event(context_.frame) : Event(nullptr);
+    event["pipe"] = context_.pipe >= 0 ? Event(pipeName(context_.pipe)) : Event(nullptr);
+    for (const auto& [key, value] : payload.items()) event[key] = value;
+    formatter_->write(event);
+}
+
+void Reporter::logLine(int32_t level, int32_t category, const std::string& text) {
+    operationLog_.push_back(text);
+    if (!showLog_) return;
+    Event payload;
+    payload["op"] = context_.op.empty() ? Event(nullptr) : Event(context_.op);
+    payload["level"] = level;
+    payload["category"] = category;
+    payload["text"] = displayText(text);
+    emit("log", payload);
+}
+
+void Reporter::beginOperation(int pipe, const std::string& op) {
+    context_.pipe = pipe;
+    context_.op = op;
+    operationLog_.clear();
+}
+
+void Reporter::finish() { formatter_->finish(); }
+
+namespace {
+void reporterSink(void* ctx, int32_t level, int32_t category, const char* text) {
+    static_cast<Reporter*>(ctx)->logLine(level, category, text != nullptr ? text : "");
+}
+}  // namespace
+
+LogSinkScope::LogSinkScope(Reporter& reporter) { ispdsp_host_set_log_sink(&reporterSink, &reporter); }
+LogSinkScope::~LogSinkScope() { ispdsp_host_set_log_sink(nullptr, nullptr); }
+
+}  // namespace ispsim

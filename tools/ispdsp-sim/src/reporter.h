@@ -1,0 +1,90 @@
+// The event stream of a run. Everything the simulator observes (calls and
+// their results, DSP messages, flag requests, table choices, the driver's log
+// lines) becomes one event, a JSON object tagged with the context it happened
+// in (phase, frame, pipe, operation), and goes to one formatter: JSON lines or
+// the readable table.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace ispsim {
+
+using Event = nlohmann::ordered_json;
+
+// Where the simulator is: set by the frame loop before every driver call, read
+// by the callbacks (the DSP callbacks carry no context of their own).
+struct Context {
+    std::string phase = "setup";  // setup, frame, console, teardown
+    int64_t frame = -1;           // -1 outside frames
+    int pipe = -1;                // -1 when no pipe is addressed
+    std::string op;               // the driver function being called
+};
+
+class Formatter {
+public:
+    virtual ~Formatter() = default;
+    virtual void write(const Event& event) = 0;
+    virtual void flush() = 0;
+    virtual void finish() { flush(); }
+    virtual bool failed() const = 0;  // the output can no longer be written
+};
+
+std::unique_ptr<Formatter> makeJsonFormatter(std::FILE* out);
+struct TableOptions {
+    bool curves = false;  // print all 511 curve points
+};
+std::unique_ptr<Formatter> makeTableFormatter(std::FILE* out, TableOptions options);
+
+class Reporter {
+public:
+    Reporter(std::unique_ptr<Formatter> formatter, bool showLog);
+    ~Reporter();
+    Reporter(const Reporter&) = delete;
+    Reporter& operator=(const Reporter&) = delete;
+
+    Context& context() { return context_; }
+
+    // Adds the context fields after "event" and hands the event on.
+    void emit(const std::string& kind, const Event& payload);
+
+    // The driver's log lines arrive here (host log sink); they are kept for
+    // the current operation so a failure can be explained on stderr.
+    void logLine(int32_t level, int32_t category, const std::string& text);
+    void beginOperation(int pipe, const std::string& op);
+    const std::vector<std::string>& operationLog() const { return operationLog_; }
+
+    // Counters for the closing summary.
+    void countMessage(const std::string& stage) { ++messageCounts_[stage]; }
+    void countFailure() { ++failures_; }
+    const std::map<std::string, int64_t>& messageCounts() const { return messageCounts_; }
+    int64_t failures() const { return failures_; }
+
+    void flush() { formatter_->flush(); }
+    bool outputFailed() const { return formatter_->failed(); }
+    void finish();
+
+private:
+    std::unique_ptr<Formatter> formatter_;
+    bool showLog_;
+    Context context_;
+    std::vector<std::string> operationLog_;
+    std::map<std::string, int64_t> messageCounts_;
+    int64_t failures_ = 0;
+};
+
+// Installs the reporter as the host layer's log sink for its lifetime.
+class LogSinkScope {
+public:
+    explicit LogSinkScope(Reporter& reporter);
+    ~LogSinkScope();
+    LogSinkScope(const LogSinkScope&) = delete;
+    LogSinkScope& operator=(const LogSinkScope&) = delete;
+};
+
+}  // namespace ispsim

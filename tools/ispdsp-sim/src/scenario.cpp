@@ -1,0 +1,355 @@
+#include "scenario.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <utility>
+
+#include "ispdsp/fusion.h"
+
+namespace ispsim {
+
+namespace {
+
+using nlohmann::json;
+
+// Bounds on the scenario's size: a simulator run, not a soak test.
+constexpr int64_t kMaxFrames = 1000000;
+
+enum class FieldId { Gain, GainStart, GainEnd, InterCoff, Zoom, DncMode, HdrMode, ImageScene, SceneMode, PSwitch };
+
+struct NamedValue {
+    const char* name;
+    int64_t value;
+};
+
+// One scenario field: its range, whether it is whole-numbered, whether a
+// segment may ramp it, and the names it accepts instead of numbers.
+struct FieldRule {
+    const char* name;
+    FieldId id;
+    double min;
+    double max;
+    bool integer;
+    bool rampable;
+    std::vector<NamedValue> names;
+};
+
+const std::vector<FieldRule>& fieldRules() {
+    constexpr double kGainMax = FUSION_GAIN_STEPS - 1;
+    static const std::vector<FieldRule> rules = {
+        {"gain", FieldId::Gain, 0, kGainMax, false, true, {}},
+        {"gainStartIndex", FieldId::GainStart, 0, kGainMax, true, false, {}},
+        {"gainEndIndex", FieldId::GainEnd, 0, kGainMax, true, false, {}},
+        {"interCoff", FieldId::InterCoff, 0, 1, false, true, {}},
+        {"zoom", FieldId::Zoom, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max(), true, true,
+         {}},
+        {"dncMode", FieldId::DncMode, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max(), true,
+         false, {{"color", 1}, {"bw", 0}}},
+        {"hdrMode", FieldId::HdrMode, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max(), true,
+         false, {{"linear", 0}, {"hdr", 1}, {"wdr", 4}}},
+        {"imageScene", FieldId::ImageScene, 0, 255, true, false, {}},  // names through imageSceneByName
+        {"sceneMode", FieldId::SceneMode, 0, std::numeric_limits<uint32_t>::max(), true, false,
+         {{"day", 0}, {"night", 2}}},
+        {"pSwitch", FieldId::PSwitch, 0, 255, true, false, {{"vis", 0}, {"fuse", 1}, {"nir_cal", 2}}},
+    };
+    return rules;
+}
+
+const FieldRule* findRule(const std::string& name) {
+    for (const FieldRule& rule : fieldRules())
+        if (name == rule.name) return &rule;
+    return nullptr;
+}
+
+// A checked field value: constant, or a ramp over the frames of a segment.
+struct FieldPatch {
+    FieldId id;
+    double from;
+    double to;
+};
+
+// The fields one entry sets, for both pipes and per pipe.
+struct Patch {
+    std::vector<FieldPatch> both;
+    std::array<std::vector<FieldPatch>, kPipeCount> perPipe;
+};
+
+[[noreturn]] void fail(const std::string& where, const std::string& what) { throw ScenarioError(where + ": " + what); }
+
+double numberOf(const json& value, const FieldRule& rule, const std::string& where, const std::string& field) {
+    double number = 0;
+    if (value.is_string()) {
+        const std::string text = value.get<std::string>();
+        std::optional<int64_t> named;
+        if (rule.id == FieldId::ImageScene) {
+            if (auto scene = imageSceneByName(text)) named = *scene;
+        }
+        for (const NamedValue& n : rule.names)
+            if (text == n.name) named = n.value;
+        if (!named) {
+            std::string accepted;
+            if (rule.id == FieldId::ImageScene) accepted = " (base, traffic, face, ivs, strobe, police, comity, "
+                                                           "pedestrian, ecotraffic, ecopolice, entrance_flash, "
+                                                           "entrance_strobe, event)";
+            for (const NamedValue& n : rule.names) accepted += (accepted.empty() ? " (" : ", ") + std::string(n.name);
+            if (!rule.names.empty()) accepted += ")";
+            fail(where, "field '" + field + "': unknown name \"" + text + "\"" +
+                            (accepted.empty() ? std::string(", expected a number") : ", expected a number or one of" + accepted));
+        }
+        number = static_cast<double>(*named);
+    } else if (value.is_number()) {
+        number = value.get<double>();
+    } else {
+        fail(where, "field '" + field + "': expected a number, got " + std::string(value.type_name()));
+    }
+    if (!std::isfinite(number) || number < rule.min || number > rule.max) {
+        std::ostringstream range;
+        range << "field '" << field << "': " << value.dump() << " is outside " << rule.min << ".." << rule.max;
+        fail(where, range.str());
+    }
+    if (rule.integer && number != std::floor(number)) fail(where, "field '" + field + "': expected a whole number, got " + value.dump());
+    return number;
+}
+
+FieldPatch parseField(const FieldRule& rule, const json& value, bool rampsAllowed, const std::string& where,
+                      const std::string& field) {
+    if (value.is_object()) {
+        if (!rule.rampable) fail(where, "field '" + field + "' cannot ramp (only gain, interCoff and zoom can)");
+        if (!rampsAllowed) fail(where, "field '" + field + "': ramps ({\"from\", \"to\"}) are only allowed in segments");
+        for (const auto& [key, unused] : value.items()) {
+            (void)unused;
+            if (key != "from" && key != "to") fail(where, "field '" + field + "': unknown ramp key '" + key + "'");
+        }
+        if (!value.contains("from") || !value.contains("to"))
+            fail(where, "field '" + field + "': a ramp needs both \"from\" and \"to\"");
+        return {rule.id, numberOf(value["from"], rule, where, field + ".from"),
+                numberOf(value["to"], rule, where, field + ".to")};
+    }
+    const double number = numberOf(value, rule, where, field);
+    return {rule.id, number, number};
+}
+
+// The fields of one object ("defaults", a segment, a keyframe, or its
+// "color"/"mono" part). `reserved` names keys that the caller handles.
+std::vector<FieldPatch> parseFields(const json& object, bool rampsAllowed, const std::string& where,
+                                    const std::string& prefix, const std::vector<std::string>& reserved,
+                                    Patch* pipes) {
+    std::vector<FieldPatch> fields;
+    bool hasGain = false;
+    bool hasExplicitGain = false;
+    for (const auto& [key, value] : object.items()) {
+        if (std::find(reserved.begin(), reserved.end(), key) != reserved.end()) continue;
+        if (pipes != nullptr && (key == "color" || key == "mono")) {
+            if (!value.is_object()) fail(where, "field '" + key + "': expected an object of per-pipe fields");
+            const int pipe = key == "color" ? kColorPipe : kMonoPipe;
+            pipes->perPipe[pipe] = parseFields(value, rampsAllowed, where, key + ".", {}, nullptr);
+            continue;
+        }
+        const FieldRule* rule = findRule(key);
+        if (rule == nullptr) fail(where, "unknown field '" + prefix + key + "'");
+        hasGain = hasGain || rule->id == FieldId::Gain;
+        hasExplicitGain = hasExplicitGain || rule->id == FieldId::GainStart || rule->id == FieldId::GainEnd ||
+                          rule->id == FieldId::InterCoff;
+        fields.push_back(parseField(*rule, value, rampsAllowed, where, prefix + key));
+    }
+    if (hasGain && hasExplicitGain)
+        fail(where, "field '" + prefix + "gain' cannot stand beside gainStartIndex/gainEndIndex/interCoff");
+    return fields;
+}
+
+Patch parsePatch(const json& object, bool rampsAllowed, const std::string& where,
+                 const std::vector<std::string>& reserved) {
+    if (!object.is_object()) fail(where, "expected an object, got " + std::string(object.type_name()));
+    Patch patch;
+    patch.both = parseFields(object, rampsAllowed, where, "", reserved, &patch);
+    return patch;
+}
+
+// Splits a gain 0..15 into the two steps and the coefficient between them.
+GainPosition splitGain(double gain) {
+    const int32_t last = FUSION_GAIN_STEPS - 1;
+    GainPosition position;
+    position.start = std::min(static_cast<int32_t>(std::floor(gain)), last);
+    position.end = std::min(position.start + 1, last);
+    position.coff = static_cast<float>(gain - position.start);
+    return position;
+}
+
+// Applies one field at position t (0..1) of its segment.
+void applyField(PipeInput& pipe, const FieldPatch& field, double t) {
+    const double value = field.from + (field.to - field.from) * t;
+    switch (field.id) {
+        case FieldId::Gain: pipe.gain = splitGain(value); break;
+        case FieldId::GainStart: pipe.gain.start = static_cast<int32_t>(value); break;
+        case FieldId::GainEnd: pipe.gain.end = static_cast<int32_t>(value); break;
+        case FieldId::InterCoff: pipe.gain.coff = static_cast<float>(value); break;
+        case FieldId::Zoom: pipe.zoom = static_cast<int32_t>(std::lround(value)); break;
+        case FieldId::DncMode: pipe.dncMode = static_cast<int32_t>(value); break;
+        case FieldId::HdrMode: pipe.hdrMode = static_cast<int32_t>(value); break;
+        case FieldId::ImageScene: pipe.imageScene = static_cast<int32_t>(value); break;
+        case FieldId::SceneMode: pipe.sceneMode = static_cast<uint32_t>(value); break;
+        case FieldId::PSwitch: pipe.pSwitch = static_cast<int32_t>(value); break;
+    }
+}
+
+void applyPatch(FrameInput& frame, const Patch& patch, double t) {
+    for (int pipe = 0; pipe < kPipeCount; ++pipe) {
+        for (const FieldPatch& field : patch.both) applyField(frame.pipes[pipe], field, t);
+        for (const FieldPatch& field : patch.perPipe[pipe]) applyField(frame.pipes[pipe], field, t);
+    }
+}
+
+int64_t frameCountOf(const json& value, const std::string& where, const char* field, int64_t min) {
+    if (!value.is_number_integer() && !(value.is_number() && value.get<double>() == std::floor(value.get<double>())))
+        fail(where, std::string("field '") + field + "': expected a whole number, got " + value.dump());
+    const double number = value.get<double>();
+    if (number < static_cast<double>(min) || number > static_cast<double>(kMaxFrames))
+        fail(where, std::string("field '") + field + "': " + value.dump() + " is outside " + std::to_string(min) +
+                        ".." + std::to_string(kMaxFrames));
+    return static_cast<int64_t>(number);
+}
+
+std::string frameRange(int64_t first, int64_t count) {
+    return count == 1 ? "frame " + std::to_string(first)
+                      : "frames " + std::to_string(first) + "-" + std::to_string(first + count - 1);
+}
+
+// Line and column of the 1-based byte position that nlohmann reports.
+std::pair<size_t, size_t> lineAndColumn(const std::string& text, size_t byte) {
+    size_t line = 1;
+    size_t column = 1;
+    const size_t end = std::min(byte == 0 ? 0 : byte - 1, text.size());
+    for (size_t i = 0; i < end; ++i) {
+        if (text[i] == '\n') {
+            ++line;
+            column = 1;
+        } else {
+            ++column;
+        }
+    }
+    return {line, column};
+}
+
+std::string baseName(const std::string& path) {
+    const size_t slash = path.find_last_of('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+}  // namespace
+
+Scenario parseScenario(const std::string& text, const std::string& displayName, std::optional<int64_t> framesOverride) {
+    json doc;
+    try {
+        // Comments are allowed so bundled scenarios can explain themselves.
+        doc = json::parse(text, nullptr, true, /*ignore_comments=*/true);
+    } catch (const json::parse_error& e) {
+        const auto [line, column] = lineAndColumn(text, e.byte);
+        std::string what = e.what();
+        // Keep nlohmann's explanation, without its own "[json.exception...] parse error at ..." head.
+        if (const size_t colon = what.find(": "); colon != std::string::npos) what = what.substr(colon + 2);
+        throw ScenarioError(displayName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + what);
+    }
+    const std::string top = displayName;
+    if (!doc.is_object()) fail(top, "expected a JSON object at the top");
+    for (const auto& [key, unused] : doc.items()) {
+        (void)unused;
+        static const std::vector<std::string> known = {"name", "description", "frames", "defaults", "segments",
+                                                       "keyframes"};
+        if (std::find(known.begin(), known.end(), key) == known.end()) fail(top, "unknown top-level field '" + key + "'");
+    }
+    if (doc.contains("segments") && doc.contains("keyframes"))
+        fail(top, "give either \"segments\" or \"keyframes\", not both");
+
+    Scenario scenario;
+    scenario.name = baseName(displayName);
+    if (doc.contains("description")) {
+        if (!doc["description"].is_string()) fail(top, "field 'description': expected a string");
+        scenario.description = doc["description"].get<std::string>();
+    }
+
+    FrameInput state;
+    if (doc.contains("defaults")) applyPatch(state, parsePatch(doc["defaults"], false, top + ": defaults", {}), 0);
+    scenario.defaults = state;
+
+    // The entries as checked patches, with the frame each starts at.
+    struct Entry {
+        Patch patch;
+        int64_t first;
+        int64_t count;  // segments: frames of the segment; keyframes: 1
+    };
+    std::vector<Entry> entries;
+    int64_t listFrames = 0;
+    if (doc.contains("segments")) {
+        const json& list = doc["segments"];
+        if (!list.is_array()) fail(top, "field 'segments': expected an array");
+        for (size_t i = 0; i < list.size(); ++i) {
+            const std::string index = top + ": segments[" + std::to_string(i) + "]";
+            if (!list[i].is_object()) fail(index, "expected an object");
+            if (!list[i].contains("frames")) fail(index + " (from frame " + std::to_string(listFrames) + ")",
+                                                  "missing field 'frames'");
+            const int64_t count = frameCountOf(list[i]["frames"], index, "frames", 1);
+            const std::string where = index + " (" + frameRange(listFrames, count) + ")";
+            entries.push_back({parsePatch(list[i], true, where, {"frames"}), listFrames, count});
+            listFrames += count;
+            if (listFrames > kMaxFrames) fail(where, "the segments hold more than " + std::to_string(kMaxFrames) + " frames");
+        }
+    } else if (doc.contains("keyframes")) {
+        const json& list = doc["keyframes"];
+        if (!list.is_array()) fail(top, "field 'keyframes': expected an array");
+        int64_t previous = -1;
+        for (size_t i = 0; i < list.size(); ++i) {
+            const std::string index = top + ": keyframes[" + std::to_string(i) + "]";
+            if (!list[i].is_object()) fail(index, "expected an object");
+            if (!list[i].contains("frame")) fail(index, "missing field 'frame'");
+            const int64_t frame = frameCountOf(list[i]["frame"], index, "frame", 0);
+            const std::string where = index + " (frame " + std::to_string(frame) + ")";
+            if (frame <= previous)
+                fail(where, "keyframes must be in ascending frame order (previous frame " + std::to_string(previous) + ")");
+            previous = frame;
+            entries.push_back({parsePatch(list[i], false, where, {"frame"}), frame, 1});
+            listFrames = frame + 1;
+        }
+    }
+
+    int64_t frames = listFrames;
+    if (doc.contains("frames")) frames = frameCountOf(doc["frames"], top, "frames", 0);
+    if (framesOverride) {
+        if (*framesOverride < 0 || *framesOverride > kMaxFrames)
+            throw ScenarioError("--frames " + std::to_string(*framesOverride) + " is outside 0.." +
+                                std::to_string(kMaxFrames));
+        frames = *framesOverride;
+    }
+    if (!doc.contains("frames") && !framesOverride && entries.empty()) frames = 1;
+
+    // Walk the frames: every entry applies from its first frame on; a segment
+    // ramps across its frames and leaves its last values in place.
+    scenario.frames.reserve(static_cast<size_t>(frames));
+    size_t next = 0;
+    const Entry* active = nullptr;
+    for (int64_t f = 0; f < frames; ++f) {
+        while (next < entries.size() && entries[next].first <= f) active = &entries[next++];
+        if (active != nullptr && f < active->first + active->count) {
+            const double t = active->count > 1 ? static_cast<double>(f - active->first) / static_cast<double>(active->count - 1) : 0.0;
+            applyPatch(state, active->patch, t);
+        }
+        scenario.frames.push_back(state);
+    }
+    return scenario;
+}
+
+Scenario loadScenario(const std::string& path, std::optional<int64_t> framesOverride) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw ScenarioError(path + ": cannot open the scenario file (" + std::strerror(errno) + ")");
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (in.bad()) throw ScenarioError(path + ": cannot read the scenario file");
+    return parseScenario(text, path, framesOverride);
+}
+
+}  // namespace ispsim

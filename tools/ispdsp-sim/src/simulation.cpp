@@ -1,0 +1,260 @@
+// One simulator run: scenario, library, sandbox, output, then setup, frames,
+// console and teardown of the pipe pair.
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "console.h"
+#include "dsp_endpoint.h"
+#include "driver_library.h"
+#include "options.h"
+#include "pipe_pair.h"
+#include "progress.h"
+#include "reporter.h"
+#include "scenario.h"
+#include "sim_sandbox.h"
+#include "stage_sender.h"
+#include "stop_signals.h"
+#include "text_encoding.h"
+
+namespace ispsim {
+
+namespace {
+
+// Runs shorter than this finish before a progress bar would help.
+constexpr int64_t kProgressMinFrames = 100;
+
+std::string baseName(const std::string& path) {
+    const size_t slash = path.find_last_of('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+void complain(const std::string& text) { std::fprintf(stderr, "ispdsp-sim: %s\n", text.c_str()); }
+
+// Where the results go. The original standard output (or the --output file)
+// is kept for them, and file descriptor 1 is pointed at stderr: the driver's
+// message functions print their rare errors with printf, and those lines must
+// not break a stream of JSON lines.
+class ResultStream {
+public:
+    bool open(const std::optional<std::string>& path) {
+        std::fflush(stdout);
+        if (path) {
+            file_ = std::fopen(path->c_str(), "w");
+            if (file_ == nullptr) {
+                complain("cannot write " + *path + ": " + std::strerror(errno));
+                return false;
+            }
+            terminal_ = false;
+        } else {
+            const int fd = dup(STDOUT_FILENO);
+            file_ = fd >= 0 ? fdopen(fd, "w") : nullptr;
+            if (file_ == nullptr) {
+                complain("cannot duplicate standard output");
+                return false;
+            }
+            terminal_ = isatty(fd) != 0;
+        }
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        return true;
+    }
+    ~ResultStream() {
+        if (file_ != nullptr) std::fclose(file_);
+    }
+    std::FILE* file() const { return file_; }
+    bool terminal() const { return terminal_; }
+
+private:
+    std::FILE* file_ = nullptr;
+    bool terminal_ = false;
+};
+
+Event fileEvent(const std::string& path) {
+    Event file{{"file", baseName(path)}};
+    if (const auto digest = digestFile(path)) {
+        char crc[16];
+        std::snprintf(crc, sizeof crc, "%08x", digest->crc32);
+        file["bytes"] = digest->bytes;
+        file["crc32"] = crc;
+    }
+    return file;
+}
+
+Event runEvent(const Options& options, const Scenario& scenario) {
+    Event run;
+    run["scenario"] = scenario.name;
+    run["description"] = scenario.description;
+    run["frames"] = scenario.frames.size();
+    run["library"] = baseName(options.library);
+    run["tuning"] = fileEvent(options.tuning);
+    run["monoTuning"] = options.monoTuning ? fileEvent(*options.monoTuning) : Event(nullptr);
+    run["calibration"] = options.calibration ? Event(baseName(*options.calibration)) : Event(nullptr);
+    run["nir"] = options.nir ? Event(baseName(*options.nir)) : Event(nullptr);
+    run["rlr"] = options.rlr ? Event(baseName(*options.rlr)) : Event(nullptr);
+    run["stages"] = options.stages;
+    return run;
+}
+
+void placeFiles(const Options& options, const SimSandbox& sandbox) {
+    if (options.monoTuning) {
+        // Each pipe reads its own file when the shared one is absent.
+        sandbox.place(options.tuning, pipeTuningDevicePath(kColorPipe));
+        sandbox.place(*options.monoTuning, pipeTuningDevicePath(kMonoPipe));
+    } else {
+        sandbox.place(options.tuning, kTuningDevicePath);
+    }
+    if (options.calibration) sandbox.place(*options.calibration, kCalibrationDevicePath);
+    if (options.nir) sandbox.place(*options.nir, kNirDevicePath);
+    if (options.rlr) sandbox.place(*options.rlr, kRlrDevicePath);
+}
+
+void loadRlr(const DriverApi& api, Reporter& reporter) {
+    reporter.beginOperation(-1, "DRV_loadRlrCfg");
+    if (api.loadRlrCfg == nullptr) {
+        reporter.emit("error", Event{{"message", "the library does not export DRV_loadRlrCfg"}});
+        return;
+    }
+    // The host's own buffer: the loader fills it instead of allocating one.
+    CFG_RlrTableParam tables;
+    std::memset(&tables, 0, sizeof tables);
+    Ptr buffer = &tables;
+    const Int32 result = api.loadRlrCfg(&buffer);
+    if (result != 0) reporter.countFailure();
+    Event payload{{"op", "DRV_loadRlrCfg"}, {"ret", result}};
+    if (result == 0) {
+        const auto summary = [](const Uint8* table) {
+            return byteTableSummary(std::vector<uint8_t>(table, table + RLR_TABLE_ENTRIES), false);
+        };
+        payload["tables"] = Event{{"day", summary(tables.pDayTable)},
+                                  {"dusk", summary(tables.pDuskTable)},
+                                  {"night", summary(tables.pNightTable)}};
+    }
+    reporter.emit("rlr", payload);
+}
+
+// Explains a failed setup on stderr with the driver's own log lines.
+void explainFailure(const PipePair& pair, const Options& options) {
+    complain(pair.failure());
+    if (!pair.failureLog().empty()) {
+        complain("the driver logged:");
+        for (const std::string& line : pair.failureLog()) {
+            std::string text = displayText(line);
+            while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+            std::fprintf(stderr, "  %s\n", text.c_str());
+        }
+    }
+    if (pair.failure().find("DRV_dspIspCreateX") != std::string::npos)
+        complain("check the tuning file " + options.tuning + " (placed at " +
+                 (options.monoTuning ? pipeTuningDevicePath(kColorPipe) : std::string(kTuningDevicePath)) + ")");
+}
+
+}  // namespace
+
+int runSimulation(const Options& options) {
+    Scenario scenario;
+    try {
+        scenario = loadScenario(options.scenario, options.frames);
+    } catch (const ScenarioError& e) {
+        complain(std::string("bad scenario: ") + e.what());
+        return kExitUsage;
+    }
+
+    DriverLibrary library;
+    if (!library.open(options.library)) {
+        complain(library.error());
+        return kExitRunFailed;
+    }
+    StageSender stageSender;
+    if (options.stages && !stageSender.bind(library)) {
+        complain(stageSender.error());
+        return kExitRunFailed;
+    }
+
+    std::unique_ptr<SimSandbox> sandbox;
+    try {
+        sandbox = std::make_unique<SimSandbox>(options.root, options.keepRoot);
+        placeFiles(options, *sandbox);
+    } catch (const SandboxError& e) {
+        complain(e.what());
+        return kExitRunFailed;
+    }
+    if (options.keepRoot && !options.root) complain("sandbox root kept at " + sandbox->root());
+
+    ResultStream results;
+    if (!results.open(options.output)) return kExitRunFailed;
+    installStopHandlers();
+    std::unique_ptr<Formatter> formatter = options.json ? makeJsonFormatter(results.file())
+                                                        : makeTableFormatter(results.file(), TableOptions{options.curves});
+    Reporter reporter(std::move(formatter), !options.quietLog);
+    LogSinkScope logSink(reporter);
+    installDspEndpoint(reporter, DspEndpointOptions{options.curves});
+
+    reporter.emit("run", runEvent(options, scenario));
+    reporter.emit("phase", Event::object());
+    if (options.rlr) loadRlr(library.api(), reporter);
+
+    PipePair pair(library.api(), reporter, options.stages ? &stageSender : nullptr);
+    int status = kExitOk;
+    int64_t framesRun = 0;
+    if (!pair.create() || !pair.startAndLink()) {
+        reporter.emit("error", Event{{"message", pair.failure()}});
+        reporter.flush();
+        explainFailure(pair, options);
+        status = kExitRunFailed;
+    } else {
+        FrameInput last = scenario.defaults;
+        const auto runFrame = [&](const FrameInput& input, const char* phase, const char* source) {
+            reporter.context().phase = phase;
+            pair.runFrame(input, framesRun++, source);
+            last = input;
+        };
+        Console console(pair, reporter, ConsoleOptions{options.consolePipe, options.langue},
+                        [&] { runFrame(last, "console", "console"); });
+
+        const bool showProgress =
+            options.progress == Options::ProgressMode::On ||
+            (options.progress == Options::ProgressMode::Auto && !results.terminal() && isatty(STDERR_FILENO) != 0 &&
+             static_cast<int64_t>(scenario.frames.size()) >= kProgressMinFrames);
+        Progress progress(showProgress, static_cast<int64_t>(scenario.frames.size()));
+        bool consoleOpen = options.console || options.consoleEvery > 0;
+        bool quit = false;
+        for (size_t i = 0; i < scenario.frames.size() && !quit; ++i) {
+            if (stopRequested() || reporter.outputFailed()) break;
+            runFrame(scenario.frames[i], "frame", "scenario");
+            progress.update(static_cast<int64_t>(i + 1));
+            const bool pause = options.consoleEvery > 0 && consoleOpen &&
+                               (static_cast<int64_t>(i) + 1) % options.consoleEvery == 0 && i + 1 < scenario.frames.size();
+            if (!pause) continue;
+            progress.finish();
+            switch (console.run(/*allowContinue=*/true)) {
+                case ConsoleEnd::Quit: quit = true; break;
+                case ConsoleEnd::EndOfInput: consoleOpen = false; break;
+                case ConsoleEnd::Continue: break;
+            }
+        }
+        progress.finish();
+        if (options.console && consoleOpen && !quit) console.run(/*allowContinue=*/false);
+        if (stopRequested()) {
+            complain("interrupted: stopping the pipes");
+            status = kExitInterrupted;
+        } else if (reporter.outputFailed()) {
+            status = kExitRunFailed;  // the reader went away (closed pipe)
+        }
+    }
+
+    reporter.context() = Context{};
+    reporter.context().phase = "teardown";
+    reporter.emit("phase", Event::object());
+    pair.teardown();
+    reporter.emit("end", Event{{"frames", framesRun},
+                               {"messages", Event(reporter.messageCounts())},
+                               {"failedCalls", reporter.failures()}});
+    reporter.finish();
+    removeDspEndpoint();
+    return status;
+}
+
+}  // namespace ispsim

@@ -1,0 +1,15 @@
+// Text of the driver's log lines for display: the console menu's Chinese
+// descriptions are stored in GBK; terminals and JSON want UTF-8.
+#pragma once
+
+#include <string>
+
+namespace ispsim {
+
+bool isValidUtf8(const std::string& text);
+
+// UTF-8 text for display: valid UTF-8 as it is, else converted from GBK with
+// iconv, else with every byte that does not decode written as \xNN.
+std::string displayText(const std::string& raw);
+
+}  // namespace ispsim

@@ -1,0 +1,128 @@
+// The aewDebug console through standard input: each command goes to the
+// chosen pipe's OpSetDbgDspParam and is followed by one more frame, whose
+// messages show the change.
+#include <gtest/gtest.h>
+
+#include "sim_runner.h"
+
+namespace {
+
+using simtest::Json;
+
+std::vector<Json> runConsole(const std::string& input, std::vector<std::string> extra = {}) {
+    std::vector<std::string> args = {"--json", "--frames", "3", "--console", simtest::scenarioPath("gain_sweep")};
+    args.insert(args.end(), extra.begin(), extra.end());
+    const simtest::SimResult run = simtest::runSim(args, input);
+    EXPECT_EQ(run.status, 0) << run.err;
+    return simtest::parseLines(run.out);
+}
+
+// A pipe's FUSION message of a frame.
+Json fusionOf(const std::vector<Json>& events, int64_t frame, const std::string& pipe = "color") {
+    for (const Json& m : simtest::messagesOf(events, "FUSION", pipe))
+        if (m["frame"] == frame) return m;
+    ADD_FAILURE() << "no " << pipe << " FUSION message in frame " << frame;
+    return Json::object();
+}
+
+std::vector<Json> consoleResults(const std::vector<Json>& events) {
+    std::vector<Json> out;
+    for (const Json& call : simtest::eventsOf(events, "call"))
+        if (call["op"] == "OpSetDbgDspParam") out.push_back(call);
+    return out;
+}
+
+TEST(Console, EpDeltaChangesTheNextFramesFusionMessage) {
+    // The FUSION message carries |colour - mono|. Setting the colour pipe's
+    // ep_delta to its lower and then its upper bound gives M - 1 and 16383 - M
+    // for the mono pipe's unchanged value M: their sum is 16382 whatever M is.
+    const std::vector<Json> events = runConsole("ep_delta 1\naewDebug ep_delta 16383\nquit\n");
+    const auto frames = simtest::eventsOf(events, "frame");
+    ASSERT_EQ(frames.size(), 5u);  // three scenario frames, one per command
+    EXPECT_EQ(frames[3]["source"], "console");
+    EXPECT_EQ(frames[3]["inputs"], frames[2]["inputs"]);  // the last state holds
+    EXPECT_EQ(frames[4]["source"], "console");
+
+    const int before = fusionOf(events, 2)["fields"]["ep_delta"];
+    const int low = fusionOf(events, 3)["fields"]["ep_delta"];
+    const int high = fusionOf(events, 4)["fields"]["ep_delta"];
+    EXPECT_NE(low, before);
+    EXPECT_EQ(low + high, 16382);
+    // Only ep_delta moved.
+    Json a = fusionOf(events, 2)["fields"], b = fusionOf(events, 3)["fields"];
+    a.erase("ep_delta");
+    b.erase("ep_delta");
+    EXPECT_EQ(a, b);
+
+    const auto results = consoleResults(events);
+    ASSERT_EQ(results.size(), 2u);
+    for (const Json& r : results) {
+        EXPECT_EQ(r["ret"], 0);
+        EXPECT_EQ(r["phase"], "console");
+    }
+    // One flag request per successful change, from the console call.
+    size_t consoleFlags = 0;
+    for (const Json& flag : simtest::eventsOf(events, "flag"))
+        if (flag["op"] == "OpSetDbgDspParam") {
+            EXPECT_EQ(flag["flag"], 1);
+            EXPECT_EQ(flag["pipe"], "color");
+            ++consoleFlags;
+        }
+    EXPECT_EQ(consoleFlags, 2u);
+    // The driver's confirmation line.
+    bool confirmed = false;
+    for (const Json& log : simtest::eventsOf(events, "log"))
+        confirmed = confirmed || log["text"] == "[DSP_DRV] fusion ep_delta is 16383\n";
+    EXPECT_TRUE(confirmed);
+}
+
+TEST(Console, NirCurveFromTheSampleFileReachesTheFusionCurve) {
+    const std::vector<Json> events = runConsole("w_nir 0\n", {"--pipe", "mono"});
+    const auto results = consoleResults(events);
+    ASSERT_EQ(results.size(), 1u);
+    EXPECT_EQ(results[0]["ret"], 0);
+    EXPECT_EQ(results[0]["pipe"], "mono");
+    // The mono pipe's own curve now comes from nir.txt (30 .. 215), far from the
+    // colour pipe's, so its combined curve changes in the next frame. (The
+    // colour pipe combines before the mono pipe has calculated that frame.)
+    const Json before = fusionOf(events, 2, "mono")["w_nir"];
+    const Json after = fusionOf(events, 3, "mono")["w_nir"];
+    EXPECT_NE(after, before);
+    EXPECT_GT(after["max"].get<int>(), before["max"].get<int>());
+    EXPECT_EQ(fusionOf(events, 3, "color")["w_nir"], fusionOf(events, 2, "color")["w_nir"]);
+}
+
+TEST(Console, UnknownCommandPrintsTheChineseMenuAsUtf8) {
+    const std::vector<Json> events = runConsole("bogus 1\nexit\nep_delta 5\n", {"--lang", "zh"});
+    const auto results = consoleResults(events);
+    ASSERT_EQ(results.size(), 1u);  // nothing after exit
+    EXPECT_EQ(results[0]["ret"], -1);
+    bool menu = false;
+    for (const Json& log : simtest::eventsOf(events, "log"))
+        menu = menu || log["text"].get<std::string>().find("ep_delta  : 数据模糊") != std::string::npos;
+    EXPECT_TRUE(menu);
+}
+
+TEST(Console, RunParamPrintsTheRunState) {
+    const std::vector<Json> events = runConsole("runParam 1\n");
+    std::string text;
+    for (const Json& log : simtest::eventsOf(events, "log"))
+        if (log["op"] == "OpSetDbgDspParam") text += log["text"].get<std::string>();
+    EXPECT_NE(text.find("[DSP_DRV] curTableIdx=0,curTableType=0\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("[DSP_DRV] gainStartIndex=2,gainEndIndex=3\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("[cfg fusion]ep_delta=["), std::string::npos) << text;
+}
+
+TEST(Console, EveryNFramesPausesUntilContinue) {
+    const simtest::SimResult run =
+        simtest::runSim({"--json", "--frames", "4", "--console-every", "2", simtest::scenarioPath("gain_sweep")},
+                        "ep_delta 100\ncontinue\n");
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::vector<Json> events = simtest::parseLines(run.out);
+    std::vector<std::string> sources;
+    for (const Json& frame : simtest::eventsOf(events, "frame")) sources.push_back(frame["source"]);
+    EXPECT_EQ(sources, (std::vector<std::string>{"scenario", "scenario", "console", "scenario", "scenario"}));
+    EXPECT_EQ(simtest::eventsOf(events, "console")[0]["frame"], 1);  // after the second frame
+}
+
+}  // namespace
