@@ -56,9 +56,13 @@ std::string defaultLibraryPath(const std::string& builtPath) {
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
     if (length > 0) {
         self[length] = '\0';
-        const std::filesystem::path beside = std::filesystem::path(self).parent_path() / "libispdsp.so";
-        std::error_code ec;
-        if (std::filesystem::exists(beside, ec)) return beside.string();
+        const std::filesystem::path dir = std::filesystem::path(self).parent_path();
+        // Beside the executable, then an installed tree (bin/ and lib/ side by side).
+        for (const std::filesystem::path& candidate :
+             {dir / "libispdsp.so", dir / ".." / "lib" / "libispdsp.so.0"}) {
+            std::error_code ec;
+            if (std::filesystem::exists(candidate, ec)) return candidate.lexically_normal().string();
+        }
     }
     return builtPath;
 }

@@ -42,7 +42,8 @@ private:
 };
 
 // The library to load when --lib is not given: libispdsp.so next to the
-// executable if there is one, else the build tree's library.
+// executable, else lib/libispdsp.so.0 of an installed tree, else the build
+// tree's library.
 std::string defaultLibraryPath(const std::string& builtPath);
 
 }  // namespace ispsim
