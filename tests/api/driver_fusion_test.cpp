@@ -399,34 +399,6 @@ TEST_F(DriverFusion, WithoutRegistrationNoIrOrCalibrationEver) {
     }
 }
 
-// Both roles: whichever pipe runs, the switch comes from the mono pipe and the
-// combined record uses each pipe's record in its own role.
-TEST_F(DriverFusion, SwitchComesFromTheMonoPipeInBothRoles) {
-    writeParamFiles();
-    startPair();
-    colour.publishSwitch(0);
-    mono.publishSwitch(2);
-    colour.fusion();
-    mono.fusion();
-    for (HostPipe* pipe : {&colour, &mono}) {
-        dsp.clearCalls();
-        ASSERT_EQ(pipe->fusion(), 0);
-        ASSERT_EQ(dsp.setsOfType(DSP_AEW_CFG_TYPE_FSSWITCH).size(), 1u);
-        EXPECT_EQ(dsp.setsOfType(DSP_AEW_CFG_TYPE_FSSWITCH)[0].word(8), static_cast<Uint32>(DSP_OUTPUT_NIR_CAL));
-        EXPECT_EQ(pipe->instance()->pstFusionParam.pSwtich, 2u);
-    }
-    // Same inputs in the same roles: both pipes send the same combination.
-    dsp.clearCalls();
-    colour.fusion();
-    mono.fusion();
-    const auto fusions = dsp.setsOfType(DSP_AEW_CFG_TYPE_FUSION);
-    ASSERT_EQ(fusions.size(), 2u);
-    EXPECT_EQ(std::memcmp(fusions[0].bytes().data() + 72, fusions[1].bytes().data() + 72,
-                          FUSION_PARAM_V2_7_22_SCALAR_BYTES),
-              0);
-    EXPECT_EQ(fusions[0].curve, fusions[1].curve);
-}
-
 // After creation, the frame loop of a linked pair takes no memory at all.
 TEST_F(DriverFusion, FramesOfALinkedPairAllocateNothing) {
     writeParamFiles();

@@ -115,65 +115,61 @@ TEST_F(DriverLifecycle, CreationFillsTheTableAndTheInstance) {
     EXPECT_EQ(pipe.remove(), 0);
 }
 
+// The per-pipe file is the fallback for a missing or corrupt common file, without a leak.
 TEST_F(DriverLifecycle, PerPipeParameterFileIsTheFallback) {
-    sandbox.writeFile(driver_test::pipeParamFile(3), ParamFileBuilder().addTable(PARAM_MULTICOLOR).build());
-    HostPipe pipe(3);
-    ASSERT_EQ(pipe.createPipe(), 0);
-    EXPECT_EQ(countInfo(log, "[DSP_DRV] DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"), 1u);
-    EXPECT_NE(pipe.instance()->dspCfgTables.paramTables[PARAM_MULTICOLOR], nullptr);
-    EXPECT_EQ(pipe.remove(), 0);
-}
-
-TEST_F(DriverLifecycle, CommonFileWithBadChecksumFallsBackWithoutLeaking) {
-    sandbox.writeFile(driver_test::kCommonParamFile,
-                      ParamFileBuilder().addTable(PARAM_MULTICOLOR).corruptChecksum().build());
-    sandbox.writeFile(driver_test::pipeParamFile(1),
+    sandbox.writeFile(driver_test::pipeParamFile(3),
                       ParamFileBuilder().addTable(PARAM_MULTICOLOR).addTable(PARAM_TRAFFIC).build());
-    HostPipe pipe(1);
-    {
+    for (bool corruptCommon : {false, true}) {
+        SCOPED_TRACE(corruptCommon ? "corrupt common file" : "no common file");
+        if (corruptCommon) {
+            sandbox.writeFile(driver_test::kCommonParamFile,
+                              ParamFileBuilder().addTable(PARAM_MULTICOLOR).corruptChecksum().build());
+        }
+        HostPipe pipe(3);
         MemGuard guard;
+        log.clear();
         ASSERT_EQ(pipe.createPipe(), 0);
+        EXPECT_EQ(countInfo(log, "[DSP_DRV] DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"), 1u);
         EXPECT_NE(pipe.instance()->dspCfgTables.paramTables[PARAM_TRAFFIC], nullptr);
         EXPECT_EQ(pipe.remove(), 0);
     }
 }
 
-TEST_F(DriverLifecycle, MissingParameterFilesFailAndReleaseEverything) {
-    HostPipe pipe(5);
-    MemGuard guard;
-    EXPECT_EQ(pipe.createPipe(), -1);
-    EXPECT_EQ(countErrors(log, "DRV_dspIspCreateX", "DRV_ispCfgLoad /var/tmp/5/dsp_isp_para.bin failed!\n"), 1u);
-    // Nothing of the released instance stays reachable from the table; the
-    // slots are filled and refuse for lack of an instance.
-    EXPECT_EQ(pipe.ops()->ispXHndl, nullptr);
-    EXPECT_EQ(pipe.ops()->hIsp, nullptr);
-    EXPECT_EQ(pipe.ops()->ispParam, nullptr);
-    ASSERT_NE(pipe.ops()->OpStart, nullptr);
-    EXPECT_EQ(pipe.start(), -1);
-    EXPECT_EQ(countNullErrors(log, "DRV_ispStartX", "ispOps->ispXHndl"), 1u);
-    EXPECT_TRUE(pipe.flags.empty());
-}
-
-TEST_F(DriverLifecycle, CorruptFilesOnBothPathsLeaveNoBuffer) {
+// Without usable tables creation fails, releases everything and leaves no instance
+// reachable from the table; the filled slots refuse for lack of an instance.
+TEST_F(DriverLifecycle, CreationWithoutUsableTablesFailsAndReleasesEverything) {
     const auto corrupt = ParamFileBuilder().addTable(PARAM_MULTICOLOR).corruptChecksum().build();
-    sandbox.writeFile(driver_test::kCommonParamFile, corrupt);
-    sandbox.writeFile(driver_test::pipeParamFile(2), corrupt);
-    HostPipe pipe(2);
-    MemGuard guard;
-    EXPECT_EQ(pipe.createPipe(), -1);
-    EXPECT_EQ(pipe.ops()->ispXHndl, nullptr);
-}
-
-TEST_F(DriverLifecycle, InvalidTableBlockFailsTheConversion) {
-    sandbox.writeFile(driver_test::kCommonParamFile,
-                      ParamFileBuilder().addTable(PARAM_MULTICOLOR).addTable(200).build());
-    HostPipe pipe(1);
-    MemGuard guard;
-    EXPECT_EQ(pipe.createPipe(), -1);
-    EXPECT_EQ(countErrors(log, "DRV_ispCommTable2TableX", "Failed to transfer cfg /var/tmp/ failed!\n"), 1u);
-    EXPECT_EQ(countErrors(log, "DRV_dspIspCreateX", "DRV_ispCommTable2TableX failed!\n"), 1u);
-    EXPECT_EQ(pipe.ops()->ispXHndl, nullptr);
-    EXPECT_EQ(pipe.ops()->ispParam, nullptr);
+    struct Case {
+        const char* what;
+        Uint32 pipeId;
+        std::vector<uint8_t> common, perPipe;  // empty: no file
+        const char* function;
+        const char* error;
+    };
+    const Case cases[] = {
+        {"no files", 5, {}, {}, "DRV_dspIspCreateX", "DRV_ispCfgLoad /var/tmp/5/dsp_isp_para.bin failed!\n"},
+        {"both corrupt", 2, corrupt, corrupt, "DRV_dspIspCreateX", "DRV_ispCfgLoad /var/tmp/2/dsp_isp_para.bin failed!\n"},
+        {"invalid table type", 1, ParamFileBuilder().addTable(PARAM_MULTICOLOR).addTable(200).build(), {},
+         "DRV_ispCommTable2TableX", "Failed to transfer cfg /var/tmp/ failed!\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ispdsp_test::Sandbox files;
+        if (!c.common.empty()) files.writeFile(driver_test::kCommonParamFile, c.common);
+        if (!c.perPipe.empty()) files.writeFile(driver_test::pipeParamFile(c.pipeId), c.perPipe);
+        HostPipe pipe(c.pipeId);
+        MemGuard guard;
+        log.clear();
+        EXPECT_EQ(pipe.createPipe(), -1);
+        EXPECT_EQ(countErrors(log, c.function, c.error), 1u);
+        EXPECT_EQ(pipe.ops()->ispXHndl, nullptr);
+        EXPECT_EQ(pipe.ops()->hIsp, nullptr);
+        EXPECT_EQ(pipe.ops()->ispParam, nullptr);
+        ASSERT_NE(pipe.ops()->OpStart, nullptr);
+        EXPECT_EQ(pipe.start(), -1);
+        EXPECT_EQ(countNullErrors(log, "DRV_ispStartX", "ispOps->ispXHndl"), 1u);
+        EXPECT_TRUE(pipe.flags.empty());
+    }
 }
 
 TEST_F(DriverLifecycle, IspNumAboveTheMaximumIsRefusedBeforeAnything) {

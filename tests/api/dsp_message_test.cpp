@@ -76,14 +76,15 @@ const SetCase kSetCases[] = {
 
 class SetRules : public testing::TestWithParam<SetCase> {};
 
-TEST_P(SetRules, SendsOneMessageOfItsTypeWithTheTablesId) {
+// Sends one message of its type with the table's id; a failing callback's result is returned
+// only where the table says so, and never retried.
+TEST_P(SetRules, SendsOneMessageAndReturnsTheCallbackResultWhereTheTableSaysSo) {
     const SetCase& c = GetParam();
     DspCapture dsp;
     DRV_dspIspHandle handle = dsp.handle(kHandleId);
     RecordBytes record;
 
     EXPECT_EQ(c.set(record.data(), &handle), 0);
-
     ASSERT_EQ(dsp.sets().size(), 1u);
     EXPECT_TRUE(dsp.gets().empty());
     const DspCall& sent = dsp.sets()[0];
@@ -91,77 +92,48 @@ TEST_P(SetRules, SendsOneMessageOfItsTypeWithTheTablesId) {
     EXPECT_EQ(sent.message.res, 0u);
     EXPECT_EQ(sent.ctrl.nId, c.nIdFromHandle ? kHandleId : 0u);
     EXPECT_TRUE(sent.ctrlReservedZero());
-}
 
-TEST_P(SetRules, ReturnsTheCallbackResultOnlyWhereTheTableSaysSo) {
-    const SetCase& c = GetParam();
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    RecordBytes record;
     dsp.setSetResult(-3);
-
     EXPECT_EQ(c.set(record.data(), &handle), c.returnsCallbackResult ? -3 : 0);
-    EXPECT_EQ(dsp.sets().size(), 1u);  // no retry
+    EXPECT_EQ(dsp.sets().size(), 2u);
 }
 
-TEST_P(SetRules, NullParamIsReportedBeforeNullHandle) {
-    const SetCase& c = GetParam();
-    DspCapture dsp;
-
-    testing::internal::CaptureStdout();
-    const Int32 result = c.set(nullptr, nullptr);
-    const std::string printed = testing::internal::GetCapturedStdout();
-
-    EXPECT_EQ(result, -1);
-    EXPECT_TRUE(isDspPrint(printed, DspPrint::NullPointer, c.function, "param"));
-    EXPECT_TRUE(dsp.sets().empty());
-}
-
-TEST_P(SetRules, NullHandleIsReportedAndNothingIsSent) {
+// Null param is reported before a null handle; a null handle alone sends nothing.
+TEST_P(SetRules, NullArgumentsAreReportedAndNothingIsSent) {
     const SetCase& c = GetParam();
     DspCapture dsp;
     RecordBytes record;
     const RecordBytes before = record;
 
     testing::internal::CaptureStdout();
-    const Int32 result = c.set(record.data(), nullptr);
-    const std::string printed = testing::internal::GetCapturedStdout();
-
-    EXPECT_EQ(result, -1);
-    EXPECT_TRUE(isDspPrint(printed, DspPrint::NullPointer, c.function, "dspOps"));
+    EXPECT_EQ(c.set(nullptr, nullptr), -1);
+    EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::NullPointer, c.function, "param"));
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(c.set(record.data(), nullptr), -1);
+    EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::NullPointer, c.function, "dspOps"));
     EXPECT_EQ(record.bytes, before.bytes);
     EXPECT_TRUE(dsp.sets().empty());
 }
 
-TEST_P(SetRules, MissingSetCallbackWarnsAndFails) {
+// A missing set callback warns and fails; a missing get callback does not matter.
+TEST_P(SetRules, OnlyTheSetCallbackIsRequired) {
     const SetCase& c = GetParam();
     DspCapture dsp;
     DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    handle.dspIspCfgOps.OpSetDspConfig = nullptr;
     RecordBytes record;
 
-    testing::internal::CaptureStdout();
-    const Int32 result = c.set(record.data(), &handle);
-    const std::string printed = testing::internal::GetCapturedStdout();
-
-    EXPECT_EQ(result, -1);
-    EXPECT_TRUE(isDspPrint(printed, DspPrint::SetMissing, c.function));
-    EXPECT_TRUE(dsp.sets().empty());
-    EXPECT_TRUE(dsp.gets().empty());
-}
-
-TEST_P(SetRules, SucceedsWithoutGetCallbackAndPrintsNothing) {
-    const SetCase& c = GetParam();
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
     handle.dspIspCfgOps.OpGetDspConfig = nullptr;
-    RecordBytes record;
-
     testing::internal::CaptureStdout();
-    const Int32 result = c.set(record.data(), &handle);
+    EXPECT_EQ(c.set(record.data(), &handle), 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(result, 0);
     EXPECT_EQ(dsp.sets().size(), 1u);
+
+    handle.dspIspCfgOps.OpSetDspConfig = nullptr;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(c.set(record.data(), &handle), -1);
+    EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::SetMissing, c.function));
+    EXPECT_EQ(dsp.sets().size(), 1u);
+    EXPECT_TRUE(dsp.gets().empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(AllSetFunctions, SetRules, testing::ValuesIn(kSetCases),
@@ -197,38 +169,26 @@ const PayloadCase kPayloadCases[] = {
 
 class StagePayload : public testing::TestWithParam<PayloadCase> {};
 
-TEST_P(StagePayload, RecordIsExactlyThePayloadBlock) {
-    EXPECT_EQ(GetParam().recordBytes, GetParam().payloadBytes);
-}
-
+// The record is the payload block: copied whole at its offset, nothing else written, and
+// nothing of a previous send left behind.
 TEST_P(StagePayload, CarriesTheRecordBytesAtTheirOffsetAndZeroElsewhere) {
     const PayloadCase& c = GetParam();
+    EXPECT_EQ(c.recordBytes, c.payloadBytes);
     DspCapture dsp;
     DRV_dspIspHandle handle = dsp.handle(kHandleId);
     RecordBytes record;
+    RecordBytes zero;
+    zero.bytes.fill(0);
 
     ASSERT_EQ(c.set(record.data(), &handle), 0);
-    ASSERT_EQ(dsp.sets().size(), 1u);
+    ASSERT_EQ(c.set(zero.data(), &handle), 0);
+    ASSERT_EQ(dsp.sets().size(), 2u);
     const DspCall& sent = dsp.sets()[0];
     const auto bytes = sent.bytes();
     for (size_t i = 0; i < c.payloadBytes; ++i) {
         ASSERT_EQ(bytes[c.messageOffset + i], record.bytes[i]) << "payload byte " << i;
     }
     EXPECT_EQ(sent.firstNonZeroExcept({{c.messageOffset, c.messageOffset + c.payloadBytes}}), std::nullopt);
-}
-
-TEST_P(StagePayload, MessageIsClearedBetweenSends) {
-    // A long record first, then a zero record: nothing of the first may remain.
-    const PayloadCase& c = GetParam();
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    RecordBytes full;
-    RecordBytes zero;
-    zero.bytes.fill(0);
-
-    ASSERT_EQ(c.set(full.data(), &handle), 0);
-    ASSERT_EQ(c.set(zero.data(), &handle), 0);
-    ASSERT_EQ(dsp.sets().size(), 2u);
     EXPECT_EQ(dsp.sets()[1].firstNonZeroExcept({}), std::nullopt);
 }
 
@@ -236,19 +196,6 @@ INSTANTIATE_TEST_SUITE_P(EnhancementStages, StagePayload, testing::ValuesIn(kPay
                          [](const testing::TestParamInfo<PayloadCase>& info) {
                              return std::string(info.param.function);
                          });
-
-TEST(StagePayload, LsmIsTypeZeroWithThirtyBytesAt72) {
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    DSP_LsmV112 lsm;
-    std::memset(&lsm, 0xFF, sizeof lsm);
-
-    ASSERT_EQ(DRV_dspOpSetLsm(&lsm, &handle), 0);
-    const DspCall& sent = dsp.sets().at(0);
-    EXPECT_EQ(sent.word(0), 0u);
-    EXPECT_EQ(sent.bytes()[101], 0xFF);
-    EXPECT_EQ(sent.firstNonZeroExcept({{72, 102}}), std::nullopt);
-}
 
 // ---- The Gets that never talk to the host ----
 
@@ -270,19 +217,16 @@ const NoOpGetCase kNoOpGets[] = {
 
 class NoOpGet : public testing::TestWithParam<NoOpGetCase> {};
 
-TEST_P(NoOpGet, ReturnsZeroWithNullArguments) {
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(GetParam().get(nullptr, nullptr), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-}
-
-TEST_P(NoOpGet, TouchesNeitherRecordNorHost) {
+TEST_P(NoOpGet, TouchesNeitherRecordNorHostAndAcceptsNulls) {
     DspCapture dsp;
     DRV_dspIspHandle handle = dsp.handle(kHandleId);
     RecordBytes record;
     const RecordBytes before = record;
 
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(GetParam().get(nullptr, nullptr), 0);
     EXPECT_EQ(GetParam().get(record.data(), &handle), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(record.bytes, before.bytes);
     EXPECT_TRUE(dsp.sets().empty());
     EXPECT_TRUE(dsp.gets().empty());
@@ -316,33 +260,28 @@ struct SwitchCase {
 
 class FusionSwitch : public testing::TestWithParam<SwitchCase> {};
 
-TEST_P(FusionSwitch, FsSwitchSendsTheOutputModeWithIdZero) {
+// The output switch message maps the switch to an output mode; the fusion message carries it unmapped.
+TEST_P(FusionSwitch, FsSwitchSendsTheOutputModeWithIdZeroAndFusionTheRawSwitch) {
     DspCapture dsp;
     DRV_dspIspHandle handle = dsp.handle(kHandleId);
     FusionRecord fusion(GetParam().fusionSwitch);
 
     ASSERT_EQ(DRV_dspOpSetFSSWITCH(&fusion.record, &handle), 0);
+    ASSERT_EQ(DRV_dspOpSetFusion(&fusion.record, &handle), 0);
     const DspCall& sent = dsp.sets().at(0);
     EXPECT_EQ(sent.type(), DSP_AEW_CFG_TYPE_FSSWITCH);
     EXPECT_EQ(sent.word(8), GetParam().outputMode);
     EXPECT_EQ(sent.ctrl.nId, 0u);
     EXPECT_EQ(sent.firstNonZeroExcept({{8, 12}}), std::nullopt);
-}
-
-TEST_P(FusionSwitch, FusionMessageCarriesTheSwitchUnmapped) {
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    FusionRecord fusion(GetParam().fusionSwitch);
-
-    ASSERT_EQ(DRV_dspOpSetFusion(&fusion.record, &handle), 0);
-    EXPECT_EQ(dsp.sets().at(0).word(8), GetParam().fusionSwitch);
+    EXPECT_EQ(dsp.sets().at(1).word(8), GetParam().fusionSwitch);
 }
 
 INSTANTIATE_TEST_SUITE_P(Switches, FusionSwitch,
                          testing::Values(SwitchCase{0, DSP_OUTPUT_VIS}, SwitchCase{1, DSP_OUTPUT_FUSE},
                                          SwitchCase{2, DSP_OUTPUT_NIR_CAL}, SwitchCase{3, DSP_OUTPUT_FUSE_INVALID},
                                          SwitchCase{7, DSP_OUTPUT_FUSE_INVALID},
-                                         SwitchCase{0xFFFFFFFFu, DSP_OUTPUT_FUSE_INVALID}));
+                                         SwitchCase{0xFFFFFFFFu, DSP_OUTPUT_FUSE_INVALID}),
+                         [](const testing::TestParamInfo<SwitchCase>& info) { return "Switch" + std::to_string(info.param.fusionSwitch); });
 
 TEST(FusionMessage, CarriesTheWhole2722BlockWithVersionZero) {
     DspCapture dsp;
@@ -390,7 +329,8 @@ TEST_P(IrMessage, SendsTheLow16BitsWithIdZero) {
 
 INSTANTIATE_TEST_SUITE_P(ZoomBands, IrMessage,
                          testing::Values(ZoomCase{0, 0}, ZoomCase{3, 3}, ZoomCase{65537, 1}, ZoomCase{-1, 65535},
-                                         ZoomCase{0x12345678, 0x5678}));
+                                         ZoomCase{0x12345678, 0x5678}),
+                         [](const testing::TestParamInfo<ZoomCase>& info) { return "Sends" + std::to_string(info.param.sent); });
 
 TEST(CalMessage, CarriesTheAddressOfThePathAt88AndNothingElse) {
     DspCapture dsp;
@@ -412,19 +352,6 @@ TEST(CalMessage, CarriesTheAddressOfThePathAt88AndNothingElse) {
     EXPECT_EQ(sent.firstNonZeroExcept({{88, 96}}), std::nullopt);
 }
 
-TEST(SetResults, LaeReturnsTheCallbackResultWhileDlaeReturnsZero) {
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    dsp.setSetResult(-3);
-    DSP_LaeV209 lae{};
-    DSP_DlaeV101 dlae{};
-
-    EXPECT_EQ(DRV_dspOpSetLae(&lae, &handle), -3);
-    EXPECT_EQ(DRV_dspOpSetDlae(&dlae, &handle), 0);
-    ASSERT_EQ(dsp.sets().size(), 2u);
-    EXPECT_EQ(dsp.sets()[0].ctrl.nId, kHandleId);
-}
-
 // ---- Fusion read-back ----
 
 class FusionGet : public testing::Test {
@@ -443,6 +370,7 @@ protected:
     FUSION_PARAM_V2_7_22 reply;
 };
 
+// Asks for type 1 with the handle's id in a cleared message and copies only the scalars back.
 TEST_F(FusionGet, CopiesOnlyTheScalarsOnSuccess) {
     testing::internal::CaptureStdout();
     EXPECT_EQ(DRV_dspOpGetFusion(&fusion.record, &handle), 0);
@@ -455,10 +383,6 @@ TEST_F(FusionGet, CopiesOnlyTheScalarsOnSuccess) {
     EXPECT_EQ(fusion.record.pSwtich, 2u);
     EXPECT_EQ(fusion.record.fusionParam.w_nir, fusion.curve.data());
     EXPECT_TRUE(dsp.sets().empty());
-}
-
-TEST_F(FusionGet, AsksForTypeOneWithTheHandlesIdAndAClearedMessage) {
-    ASSERT_EQ(DRV_dspOpGetFusion(&fusion.record, &handle), 0);
     ASSERT_EQ(dsp.gets().size(), 1u);
     const DspCall& asked = dsp.gets()[0];
     EXPECT_EQ(asked.type(), DSP_AEW_CFG_TYPE_FUSION);
@@ -467,29 +391,21 @@ TEST_F(FusionGet, AsksForTypeOneWithTheHandlesIdAndAClearedMessage) {
     EXPECT_EQ(asked.firstNonZeroExcept({}), std::nullopt);
 }
 
-TEST_F(FusionGet, FailingCallbackIsPrintedReturnedAndLeavesTheRecord) {
+// A failing callback's result is printed and returned; a missing one warns and fails. Either
+// way the record stays as it was.
+TEST_F(FusionGet, FailingOrMissingCallbackLeavesTheRecord) {
     dsp.setGetResult(-7);  // the reply is still written into the message
-
     testing::internal::CaptureStdout();
-    const Int32 result = DRV_dspOpGetFusion(&fusion.record, &handle);
-    const std::string printed = testing::internal::GetCapturedStdout();
-
-    EXPECT_EQ(result, -7);
-    EXPECT_TRUE(isDspPrint(printed, DspPrint::GetError, "DRV_dspOpGetFusion"));
+    EXPECT_EQ(DRV_dspOpGetFusion(&fusion.record, &handle), -7);
+    EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::GetError, "DRV_dspOpGetFusion"));
     EXPECT_EQ(std::memcmp(&fusion.record, &before, sizeof before), 0);
-}
 
-TEST_F(FusionGet, MissingGetCallbackWarnsAndFails) {
     handle.dspIspCfgOps.OpGetDspConfig = nullptr;
-
     testing::internal::CaptureStdout();
-    const Int32 result = DRV_dspOpGetFusion(&fusion.record, &handle);
-    const std::string printed = testing::internal::GetCapturedStdout();
-
-    EXPECT_EQ(result, -1);
-    EXPECT_TRUE(isDspPrint(printed, DspPrint::GetMissing, "DRV_dspOpGetFusion"));
+    EXPECT_EQ(DRV_dspOpGetFusion(&fusion.record, &handle), -1);
+    EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::GetMissing, "DRV_dspOpGetFusion"));
     EXPECT_EQ(std::memcmp(&fusion.record, &before, sizeof before), 0);
-    EXPECT_TRUE(dsp.gets().empty());
+    EXPECT_EQ(dsp.gets().size(), 1u);
 }
 
 // Not part of the documented read-back, which checks no argument: a null one

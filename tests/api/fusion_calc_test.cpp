@@ -13,11 +13,13 @@
 #include <vector>
 
 #include "ispdsp/fusion.h"
+#include "fusion_fields.h"
 #include "support/log_capture.h"
 
 namespace {
 
 using ispdsp_test::LogCapture;
+using namespace fusion_test;
 
 float floatBits(uint32_t bits) {
     float f;
@@ -27,45 +29,6 @@ float floatBits(uint32_t bits) {
 
 // ---- An independent model of the blend and the combination ----
 
-struct FieldModel {
-    const char* name;
-    size_t offset;
-    size_t width;
-    bool isSigned;
-    int32_t lo, hi;
-    bool wrapDiff;  // combination: C - M instead of |C - M|
-};
-
-#define FIELD(f, lo, hi, wrap) \
-    FieldModel{#f, offsetof(CFG_DSP_FusionV2722, f), sizeof(CFG_DSP_FusionV2722::f), \
-               std::numeric_limits<decltype(CFG_DSP_FusionV2722::f)>::is_signed, lo, hi, wrap}
-const FieldModel kFields[] = {
-    FIELD(ep_delta, 1, 16383, false),     FIELD(fusion_hf_ratio, 0, 256, false), FIELD(fwmin_wt, 0, 256, false),
-    FIELD(nir_k, 0, 256, false),          FIELD(hf_zoom, 0, 2047, false),        FIELD(dark_inner, 0, 65025, false),
-    FIELD(high_lum_thr, -256, -1, true),  FIELD(fwmin_limit, 0, 255, false),     FIELD(fwmax_limit, 0, 255, false),
-    FIELD(copy_en, 0, 1, false),          FIELD(nir_a, -1, 1, false),            FIELD(vis_b, -1, 1, false),
-    FIELD(nir_min, 0, 255, false),        FIELD(uv_coef, 0, 255, false),         FIELD(uv_diff_thr, 1, 255, true),
-    FIELD(uv_diff_min, 0, 255, false),    FIELD(uv_diff_max, 0, 255, false),     FIELD(uv_vlight_min, 0, 255, false),
-    FIELD(uv_vlight_max, 0, 255, false),  FIELD(uv_sat_limit, 1, 255, false),    FIELD(uv_rsmooth, 1, 255, false),
-    FIELD(uv_gsmooth, 1, 255, false),     FIELD(uv_bsmooth, 1, 255, false),      FIELD(uv_wmin, 0, 255, false),
-    FIELD(uv_wmax, 0, 255, false),        FIELD(uv_w, 0, 255, false),
-};
-#undef FIELD
-
-int32_t readField(const FieldModel& f, const void* record) {
-    const auto* p = static_cast<const uint8_t*>(record) + f.offset;
-    if (f.width == 2) {
-        uint16_t raw;
-        std::memcpy(&raw, p, 2);
-        return f.isSigned ? int32_t(int16_t(raw)) : int32_t(raw);
-    }
-    return f.isSigned ? int32_t(int8_t(*p)) : int32_t(*p);
-}
-
-int32_t keepWidth(const FieldModel& f, int32_t v) {
-    if (f.width == 2) return f.isSigned ? int32_t(int16_t(uint16_t(v))) : int32_t(uint16_t(v));
-    return f.isSigned ? int32_t(int8_t(uint8_t(v))) : int32_t(uint8_t(v));
-}
 
 // s + c * (e - s) as one single-precision FMA, half away from zero through
 // double, saturated into Int32 (NaN gives 0).
@@ -121,13 +84,7 @@ struct CalcRig {
         gain.interCoff = c;
     }
     int32_t run() { return DRV_dspCalculateFusion(in.get(), &out); }
-    int32_t outField(const char* name) const {
-        for (const FieldModel& f : kFields) {
-            if (std::strcmp(f.name, name) == 0) return readField(f, &out.fusionParam);
-        }
-        ADD_FAILURE() << "no field " << name;
-        return 0;
-    }
+    int32_t outField(const char* name) const { return readField(fieldNamed(name), &out.fusionParam); }
     bool guardsIntact() const {
         for (int i = 0; i < 16; ++i) {
             if (curveStorage[i] != kGuard || curveStorage[16 + FUSION_NIR_POINTS + i] != kGuard) return false;
@@ -135,24 +92,6 @@ struct CalcRig {
         return true;
     }
 };
-
-void writeField(const FieldModel& f, void* record, int32_t v) {
-    auto* p = static_cast<uint8_t*>(record) + f.offset;
-    if (f.width == 2) {
-        const uint16_t raw = uint16_t(v);
-        std::memcpy(p, &raw, 2);
-    } else {
-        *p = uint8_t(v);
-    }
-}
-
-const FieldModel& fieldNamed(const std::string& name) {
-    for (const FieldModel& f : kFields) {
-        if (name == f.name) return f;
-    }
-    ADD_FAILURE() << "no field " << name;
-    return kFields[0];
-}
 
 // Scalars (of a stored record or a DSP block) inside their DSP ranges.
 void fillScalarsInRange(void* record, int seed) {
@@ -164,6 +103,12 @@ void fillScalarsInRange(void* record, int seed) {
 void fillInRange(CFG_DSP_FusionV2722& r, int seed) {
     fillScalarsInRange(&r, seed);
     for (int i = 0; i < FUSION_NIR_POINTS; ++i) r.w_nir[i] = uint8_t(seed * 31 + i * 5);
+}
+
+// Parameterised cases are named by their index and field.
+template <class Case>
+std::string caseName(const ::testing::TestParamInfo<Case>& info) {
+    return std::to_string(info.index) + "_" + info.param.field;
 }
 
 // ---- DRV_dspCalculateFusion ----
@@ -194,31 +139,25 @@ TEST(FusionCalc, NullInputsAreNamedInOrderAndWriteNothing) {
         EXPECT_EQ(log.lines()[0].category, 1);
         EXPECT_EQ(rig.out.pSwtich, 77u);
         EXPECT_TRUE(rig.guardsIntact());
-        EXPECT_EQ(rig.curveStorage[16], CalcRig::kGuard);
     }
 }
 
-TEST(FusionCalc, CoefficientZeroAndOneGiveTheEndRecords) {
+// Coefficient 0 and 1 give the end records; equal indexes give that record for any finite coefficient.
+TEST(FusionCalc, EndCoefficientsAndEqualIndexesCopyTheRecord) {
     CalcRig rig;
     fillInRange(rig.rec(3), 1);
     fillInRange(rig.rec(9), 2);
-    for (float c : {0.0f, 1.0f}) {
-        rig.blend(3, 9, c);
+    struct Case {
+        int start, end;
+        float c;
+        int want;
+    };
+    for (const Case& k : {Case{3, 9, 0.0f, 3}, Case{3, 9, 1.0f, 9}, Case{9, 9, 0.3f, 9}, Case{9, 9, 0.5f, 9},
+                          Case{9, 9, -4.0f, 9}, Case{9, 9, 9.5f, 9}, Case{9, 9, 3e38f, 9}}) {
+        rig.blend(k.start, k.end, k.c);
         ASSERT_EQ(rig.run(), 0);
-        const CFG_DSP_FusionV2722& want = c == 0.0f ? rig.rec(3) : rig.rec(9);
-        EXPECT_EQ(std::memcmp(&rig.out.fusionParam, &want, FUSION_PARAM_V2_7_22_SCALAR_BYTES), 0) << c;
-        EXPECT_EQ(std::memcmp(rig.curve(), want.w_nir, FUSION_NIR_POINTS), 0) << c;
-    }
-}
-
-TEST(FusionCalc, EqualIndexesGiveThatRecordForAnyFiniteCoefficient) {
-    CalcRig rig;
-    fillInRange(rig.rec(7), 3);
-    for (float c : {0.0f, 0.3f, 0.5f, 1.0f, -4.0f, 9.5f, 3e38f}) {
-        rig.blend(7, 7, c);
-        ASSERT_EQ(rig.run(), 0);
-        EXPECT_EQ(std::memcmp(&rig.out.fusionParam, &rig.rec(7), FUSION_PARAM_V2_7_22_SCALAR_BYTES), 0) << c;
-        EXPECT_EQ(std::memcmp(rig.curve(), rig.rec(7).w_nir, FUSION_NIR_POINTS), 0) << c;
+        EXPECT_EQ(std::memcmp(&rig.out.fusionParam, &rig.rec(k.want), FUSION_PARAM_V2_7_22_SCALAR_BYTES), 0) << k.c;
+        EXPECT_EQ(std::memcmp(rig.curve(), rig.rec(k.want).w_nir, FUSION_NIR_POINTS), 0) << k.c;
     }
 }
 
@@ -247,6 +186,7 @@ TEST_P(FusionBlendValue, RoundsHalfAwayFromZeroWithOneRounding) {
     ASSERT_EQ(rig.run(), 0);
     const int32_t got = std::string(bc.field) == "w_nir" ? rig.curve()[100] : rig.outField(bc.field);
     EXPECT_EQ(got, bc.expected) << bc.field << " " << bc.start << "->" << bc.end << " at " << bc.c;
+    EXPECT_TRUE(rig.guardsIntact());
 }
 
 // 0x3f3fffff = 0.74999994: 1 + c * 10 is 8.4999994 exactly and stays below 8.5
@@ -265,7 +205,8 @@ INSTANTIATE_TEST_SUITE_P(
                       BlendCase{"w_nir", 1, 11, floatBits(0x3f3fffff), 8},
                       BlendCase{"uv_w", 1, 21, floatBits(0x3ebfffff), 8},
                       BlendCase{"w_nir", 1, 12, floatBits(0x3f2e8ba2), 8},
-                      BlendCase{"w_nir", 1, 11, 0.75f, 9}));
+                      BlendCase{"w_nir", 1, 11, 0.75f, 9}),
+    caseName<BlendCase>);
 
 struct LimitCase {
     const char* field;
@@ -302,58 +243,32 @@ INSTANTIATE_TEST_SUITE_P(
                       LimitCase{"uv_diff_thr", 0, 1}, LimitCase{"uv_sat_limit", 0, 1},
                       LimitCase{"uv_rsmooth", 0, 1}, LimitCase{"uv_gsmooth", 0, 1}, LimitCase{"uv_bsmooth", 0, 1},
                       LimitCase{"uv_coef", 0, 0}, LimitCase{"fwmin_limit", 0, 0}, LimitCase{"uv_w", 255, 255},
-                      LimitCase{"nir_min", 255, 255}));
-
-struct ExtrapolationCase {
-    const char* field;
-    int32_t start, end;
-    float c;
-    int32_t expected;
-};
-
-class FusionExtrapolation : public ::testing::TestWithParam<ExtrapolationCase> {};
+                      LimitCase{"nir_min", 255, 255}),
+    caseName<LimitCase>);
 
 // Coefficients outside 0..1 extrapolate; the integer saturates to Int32 (NaN
 // gives 0) before the field keeps its low bits and the DSP limit applies.
-TEST_P(FusionExtrapolation, SaturatesThenKeepsTheLowBits) {
-    const ExtrapolationCase& ec = GetParam();
-    CalcRig rig;
-    fillInRange(rig.rec(14), 2);
-    fillInRange(rig.rec(15), 2);
-    if (std::string(ec.field) == "w_nir") {
-        rig.rec(14).w_nir[510] = uint8_t(ec.start);
-        rig.rec(15).w_nir[510] = uint8_t(ec.end);
-    } else {
-        writeField(fieldNamed(ec.field), &rig.rec(14), ec.start);
-        writeField(fieldNamed(ec.field), &rig.rec(15), ec.end);
-    }
-    rig.blend(14, 15, ec.c);
-    ASSERT_EQ(rig.run(), 0);
-    const int32_t got = std::string(ec.field) == "w_nir" ? rig.curve()[510] : rig.outField(ec.field);
-    EXPECT_EQ(got, ec.expected) << ec.field << " at " << ec.c;
-    EXPECT_TRUE(rig.guardsIntact());
-}
-
 constexpr float kInf = std::numeric_limits<float>::infinity();
 const float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 INSTANTIATE_TEST_SUITE_P(
-    OutOfRange, FusionExtrapolation,
-    ::testing::Values(ExtrapolationCase{"uv_coef", 0, 200, 3.0f, 600 & 0xFF},
-                      ExtrapolationCase{"uv_coef", 10, 20, -1.0f, 0}, ExtrapolationCase{"w_nir", 10, 20, -2.0f, 246},
-                      ExtrapolationCase{"ep_delta", 100, 200, 2.0f, 300},
-                      ExtrapolationCase{"dark_inner", 0, 65025, 2.0f, (130050 & 0xFFFF)},
-                      ExtrapolationCase{"w_nir", 0, 255, 1e10f, 255}, ExtrapolationCase{"w_nir", 0, 255, -1e10f, 0},
-                      ExtrapolationCase{"w_nir", 0, 255, kInf, 255}, ExtrapolationCase{"w_nir", 0, 255, -kInf, 0},
-                      ExtrapolationCase{"w_nir", 7, 255, kNaN, 0}, ExtrapolationCase{"uv_coef", 7, 9, kNaN, 0},
-                      ExtrapolationCase{"ep_delta", 7, 9, kNaN, 1}, ExtrapolationCase{"uv_rsmooth", 7, 9, kNaN, 1},
-                      ExtrapolationCase{"high_lum_thr", -2, -1, 1e12f, -1},
-                      ExtrapolationCase{"high_lum_thr", -2, -1, -1e12f, -1},
-                      ExtrapolationCase{"high_lum_thr", -2, -1, -300.0f, -256},
-                      ExtrapolationCase{"nir_a", -1, 1, 2.0f, 1}, ExtrapolationCase{"nir_a", -1, 1, -2.0f, -1},
+    OutOfRange, FusionBlendValue,
+    ::testing::Values(BlendCase{"uv_coef", 0, 200, 3.0f, 600 & 0xFF},
+                      BlendCase{"uv_coef", 10, 20, -1.0f, 0}, BlendCase{"w_nir", 10, 20, -2.0f, 246},
+                      BlendCase{"ep_delta", 100, 200, 2.0f, 300},
+                      BlendCase{"dark_inner", 0, 65025, 2.0f, (130050 & 0xFFFF)},
+                      BlendCase{"w_nir", 0, 255, 1e10f, 255}, BlendCase{"w_nir", 0, 255, -1e10f, 0},
+                      BlendCase{"w_nir", 0, 255, kInf, 255}, BlendCase{"w_nir", 0, 255, -kInf, 0},
+                      BlendCase{"w_nir", 7, 255, kNaN, 0}, BlendCase{"uv_coef", 7, 9, kNaN, 0},
+                      BlendCase{"ep_delta", 7, 9, kNaN, 1}, BlendCase{"uv_rsmooth", 7, 9, kNaN, 1},
+                      BlendCase{"high_lum_thr", -2, -1, 1e12f, -1},
+                      BlendCase{"high_lum_thr", -2, -1, -1e12f, -1},
+                      BlendCase{"high_lum_thr", -2, -1, -300.0f, -256},
+                      BlendCase{"nir_a", -1, 1, 2.0f, 1}, BlendCase{"nir_a", -1, 1, -2.0f, -1},
                       // 199 keeps 0xC7 (-57) and -201 keeps 0x37 (55) before the limit.
-                      ExtrapolationCase{"nir_a", -1, 1, 100.0f, -1}, ExtrapolationCase{"nir_a", -1, 1, -100.0f, 1},
-                      ExtrapolationCase{"w_nir", 0, 1, floatBits(0x7f7fffff), 255}));
+                      BlendCase{"nir_a", -1, 1, 100.0f, -1}, BlendCase{"nir_a", -1, 1, -100.0f, 1},
+                      BlendCase{"w_nir", 0, 1, floatBits(0x7f7fffff), 255}),
+    caseName<BlendCase>);
 
 TEST(FusionCalc, GainIndexOutsideTheSixteenRecordsIsRefused) {
     for (auto [start, end] : {std::pair{-1, 0}, std::pair{0, 16}, std::pair{16, 16}, std::pair{INT32_MIN, 3},
@@ -483,20 +398,6 @@ TEST(FusionDouble, NullInputsAreNamedInOrderAndWriteNothing) {
     }
 }
 
-TEST(FusionDouble, IdenticalRecordsGiveZerosEverywhere) {
-    DoubleRig rig;
-    fillScalarsInRange(&rig.colour.fusionParam, 3);
-    std::memcpy(&rig.mono.fusionParam, &rig.colour.fusionParam, FUSION_PARAM_V2_7_22_SCALAR_BYTES);
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) rig.colourCurve[i] = rig.monoCurve[i] = uint8_t(i * 7);
-    ASSERT_EQ(rig.run(), 0);
-    for (int k = 0; k < FUSION_PARAM_V2_7_22_SCALAR_BYTES; ++k) {
-        EXPECT_EQ(reinterpret_cast<const uint8_t*>(&rig.out.fusionParam)[k], 0) << k;
-    }
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) EXPECT_EQ(rig.outCurve()[i], 0) << i;
-    EXPECT_EQ(rig.outStorage[16 + FUSION_NIR_POINTS], 0x5A);
-    EXPECT_EQ(rig.outStorage[15], 0x5A);
-}
-
 struct CombineCase {
     const char* field;
     int32_t colour, mono, expected;
@@ -522,16 +423,13 @@ INSTANTIATE_TEST_SUITE_P(
                       CombineCase{"nir_a", -1, 1, 2}, CombineCase{"vis_b", 1, -1, 2},
                       CombineCase{"nir_a", 127, -128, -1}, CombineCase{"copy_en", 0, 1, 1},
                       CombineCase{"uv_rsmooth", 9, 9, 0}, CombineCase{"uv_w", 0, 255, 255},
-                      CombineCase{"fwmin_limit", 200, 10, 190}));
+                      CombineCase{"fwmin_limit", 200, 10, 190}),
+    caseName<CombineCase>);
 
+// Every point and field against the model: FusionBitIdentity. Here the ends of the byte
+// range, and what the combination must leave alone.
 TEST(FusionDouble, CurveIsTheByteDifferenceAndSwitchAndReservedStay) {
     DoubleRig rig;
-    uint32_t x = 12345;
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) {
-        x = x * 1664525u + 1013904223u;
-        rig.colourCurve[i] = uint8_t(x >> 24);
-        rig.monoCurve[i] = uint8_t(x >> 16);
-    }
     rig.colourCurve[0] = 10;
     rig.monoCurve[0] = 250;
     rig.colourCurve[510] = 255;
@@ -544,9 +442,6 @@ TEST(FusionDouble, CurveIsTheByteDifferenceAndSwitchAndReservedStay) {
     ASSERT_EQ(rig.run(), 0);
     EXPECT_EQ(rig.outCurve()[0], 240);
     EXPECT_EQ(rig.outCurve()[510], 255);
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) {
-        EXPECT_EQ(rig.outCurve()[i], std::abs(int(rig.colourCurve[i]) - int(rig.monoCurve[i]))) << i;
-    }
     EXPECT_EQ(rig.out.pSwtich, 0xDEADu);
     EXPECT_EQ(rig.out.fusionParam.w_nir, rig.outCurve());
     for (uint8_t b : rig.out.fusionParam.reserved1) EXPECT_EQ(b, 0xA5);

@@ -103,7 +103,14 @@ INSTANTIATE_TEST_SUITE_P(Table, HostSeek,
                                            SeekCase{4, 2, OSA_SEEK_CUR, 0, 6}, SeekCase{4, -4, OSA_SEEK_CUR, 0, 0},
                                            SeekCase{4, -5, OSA_SEEK_CUR, -1, 4}, SeekCase{0, 0, OSA_SEEK_END, 0, 10},
                                            SeekCase{0, -10, OSA_SEEK_END, 0, 0}, SeekCase{2, -11, OSA_SEEK_END, -1, 2},
-                                           SeekCase{0, 20, OSA_SEEK_SET, 0, 20}, SeekCase{5, 0, 3, -1, 5}));
+                                           SeekCase{0, 20, OSA_SEEK_SET, 0, 20}, SeekCase{5, 0, 3, -1, 5}),
+                         [](const ::testing::TestParamInfo<SeekCase>& info) {
+                             const char* whence = info.param.whence == OSA_SEEK_SET   ? "Set"
+                                                  : info.param.whence == OSA_SEEK_CUR ? "Cur"
+                                                  : info.param.whence == OSA_SEEK_END ? "End"
+                                                                                      : "BadWhence";
+                             return std::to_string(info.index) + "_" + whence + (info.param.result == 0 ? "" : "_fails");
+                         });
 
 TEST(HostFiles, FgetsDeliversLinesInPiecesThenFails) {
     Sandbox sandbox;

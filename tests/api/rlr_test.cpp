@@ -198,6 +198,7 @@ TEST_F(RlrTest, MatchingCopyOf768ByteFileIsReadFromFlash) {
 }
 
 // Identity readable, tables not: the copy is still written from whatever the buffer holds.
+// A caller's buffer is kept and filled in place.
 TEST_F(RlrTest, ShortCustomFileStillWritesCopy) {
     const std::vector<uint8_t> custom = rlrFile(500, kIdA, 5);
     sandbox_.writeFile(kCustom, custom);
@@ -246,18 +247,6 @@ TEST_F(RlrTest, OnlyFirstDifferenceIsLogged) {
     EXPECT_EQ(countExact(log_, 2, 9, refreshLine()), 1u);
 }
 
-TEST_F(RlrTest, CallerBufferIsKeptAndFilled) {
-    const std::vector<uint8_t> custom = rlrFile(900, kIdA, 11);
-    sandbox_.writeFile(kCustom, custom);
-    sandbox_.makeDir(kFlashDir);
-    CFG_RlrTableParam tables{};
-    Ptr p = &tables;
-    ASSERT_EQ(DRV_loadRlrCfg(&p), 0);
-    EXPECT_EQ(p, static_cast<Ptr>(&tables));
-    EXPECT_EQ(tablesOf(&tables), head(custom, kTables));
-    EXPECT_EQ(tables.pNightTable[255], custom[767]);
-}
-
 struct LoaderAllocCase {
     uint64_t failingCall;  // 1: temporary info record, 2: table buffer
     const char* warning;
@@ -278,7 +267,10 @@ TEST_P(RlrAllocTest, FailedAllocationFailsTheLoad) {
 
 INSTANTIATE_TEST_SUITE_P(Allocations, RlrAllocTest,
                          ::testing::Values(LoaderAllocCase{1, "Failed to malloc memory for cfg_rlrtableinfo\n"},
-                                           LoaderAllocCase{2, "Failed to malloc memory for cfg_rlrtableparam\n"}));
+                                           LoaderAllocCase{2, "Failed to malloc memory for cfg_rlrtableparam\n"}),
+                         [](const ::testing::TestParamInfo<LoaderAllocCase>& info) {
+                             return info.param.failingCall == 1 ? "InfoRecord" : "TableBuffer";
+                         });
 
 // ---------------------------------------------------------------- comparison
 
@@ -321,7 +313,10 @@ INSTANTIATE_TEST_SUITE_P(
                       CmpCase{4, "[DSP_DRV] CFG_cmpRlrCfgInfo:versionNum[i]:1.00 versionNum[i]:101.00 \n"},
                       CmpCase{6, "[DSP_DRV] CFG_cmpRlrCfgInfo:versionNum[i]:3.00 versionNum[i]:103.00 \n"},
                       CmpCase{7, "[DSP_DRV] CFG_cmpRlrCfgInfo:data[i]:23.00 data[i]:123.00 \n"},
-                      CmpCase{12, "[DSP_DRV] CFG_cmpRlrCfgInfo:data[i]:9.00 data[i]:109.00 \n"}));
+                      CmpCase{12, "[DSP_DRV] CFG_cmpRlrCfgInfo:data[i]:9.00 data[i]:109.00 \n"}),
+                         [](const ::testing::TestParamInfo<CmpCase>& info) {
+        return info.param.byteOffset < 64 ? "Byte" + std::to_string(info.param.byteOffset) : std::string("Equal");
+    });
 
 TEST(RlrCmp, SizesArePrintedInSinglePrecision) {
     CFG_RlrTableInfo a = {};

@@ -1,9 +1,6 @@
 // LAE: the plate and window parts, the payload's own plate field order, the
 // window gbce level 1..10, the manual switches and the three print lines.
-#include <cstring>
-
 #include "stage_cases.h"
-#include "support/log_capture.h"
 
 namespace stage_test {
 namespace {
@@ -87,57 +84,6 @@ StageCase lae() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Lae, StageContract, testing::Values(lae()), stageName);
-
-// A whole record, to see every value land at its own place in the payload.
-TEST(StageLae, CalculationPlacesEveryFieldInThePayloadOrder) {
-    In input{};
-    auto& plate = input.laeParam.plateLaeParam;
-    auto& window = input.laeParam.windowLaeParam;
-    plate = {5, 0, 12, 6, 101, 10, 255, 1000, 10, 255, 255};
-    window = {200, 25, 3, 2, 99};
-    input.debug_pin = 9;
-    Out payload;
-    std::memset(&payload, 0xA5, sizeof payload);
-
-    ispdsp_test::LogCapture log;
-    ASSERT_EQ(DRV_dspCalculateLae(&input, &payload), 0);
-    EXPECT_TRUE(log.lines().empty());
-
-    const auto& p = payload.laeParam.lae_param_plate;
-    EXPECT_EQ(p.manual_en, 1);
-    EXPECT_EQ(p.blue_color_level, 9);
-    EXPECT_EQ(p.green_bg_noise_level, 512);
-    EXPECT_EQ(p.green_luma_ave_thr, 255);
-    EXPECT_EQ(p.green_color_level, 9);
-    EXPECT_EQ(p.blue_binary_thr, 255);
-    EXPECT_EQ(p.blue_proc_thr, 255);
-    EXPECT_EQ(p.gbce_level, 0);
-    EXPECT_EQ(p.nf_level, 100);
-    EXPECT_EQ(p.gbce_lut_index, 11);
-    EXPECT_EQ(p.ee_level, 5);
-    EXPECT_EQ(p.debug_pin, 1);
-
-    const auto& w = payload.laeParam.lae_param_window;
-    EXPECT_EQ(w.manual_en, 1);
-    EXPECT_EQ(w.gbce_lut_index, 3);
-    EXPECT_EQ(w.window_gbce_level, 10);
-    EXPECT_EQ(w.nf_level, 99);
-    EXPECT_EQ(w.ee_level, 2);
-    EXPECT_EQ(w.debug_pin, 1);
-    // ver, window_en, plate_type and the reserved tail stay the caller's.
-    const auto* tail = reinterpret_cast<const uint8_t*>(&payload) + 80;
-    for (int i = 0; i < 36; ++i) EXPECT_EQ(tail[i], 0xA5) << "payload byte " << 80 + i;
-}
-
-TEST(StageLae, PlateGbceLevelZeroStaysZeroWhileTheWindowsBecomesOne) {
-    In input{};
-    Out payload{};
-    ASSERT_EQ(DRV_dspCalculateLae(&input, &payload), 0);
-    EXPECT_EQ(payload.laeParam.lae_param_plate.gbce_level, 0);
-    EXPECT_EQ(payload.laeParam.lae_param_window.window_gbce_level, 1);
-    EXPECT_EQ(payload.laeParam.lae_param_plate.manual_en, 0);
-    EXPECT_EQ(payload.laeParam.lae_param_window.manual_en, 0);
-}
 
 }  // namespace
 }  // namespace stage_test

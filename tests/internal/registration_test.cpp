@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <climits>
 #include <string>
 #include <vector>
@@ -108,7 +109,10 @@ TEST_P(RegistrationPlaceTest, FirstReadablePlaceWins) {
 INSTANTIATE_TEST_SUITE_P(Places, RegistrationPlaceTest,
                          ::testing::Values(PlaceCase{{true, true, true}, 1, 0}, PlaceCase{{false, true, true}, 2, 1},
                                            PlaceCase{{false, false, true}, 3, 2},
-                                           PlaceCase{{false, false, false}, -1, 3}));
+                                           PlaceCase{{false, false, false}, -1, 3}),
+                         [](const ::testing::TestParamInfo<PlaceCase>& info) {
+                             return info.param.expectedPlace > 0 ? "Place" + std::to_string(info.param.expectedPlace) : std::string("NoPlace");
+                         });
 
 TEST_F(RegistrationTest, MalformedFileFallsBackToNextPlace) {
     sandbox_.writeFile(kPlaces[0], "ZOOMNUM:1\nno register count here\n");
@@ -166,7 +170,12 @@ INSTANTIATE_TEST_SUITE_P(
                       FieldCase{"ZOOM:-99999999999", "ZOOM:", 0, INT32_MIN},
                       // Absent field: -1 and the value untouched.
                       FieldCase{"ZOOMNUM3\n", "ZOOMNUM:", -1, 12345},
-                      FieldCase{"ZOOMNUM:3\n", "ZOOM:", -1, 12345}));
+                      FieldCase{"ZOOMNUM:3\n", "ZOOM:", -1, 12345}),
+                         [](const ::testing::TestParamInfo<FieldCase>& info) {
+        std::string field = info.param.field;
+        field.pop_back();  // the colon
+        return std::to_string(info.index) + "_" + field + (info.param.result == 0 ? "" : "_absent");
+    });
 
 // ---------------------------------------------------------------- register lines
 
@@ -208,114 +217,83 @@ INSTANTIATE_TEST_SUITE_P(
                       // Not register lines.
                       RegLineCase{"ZOOM:120\n", -1, 0, 0}, RegLineCase{"0x10\n", -1, 0, 0},
                       RegLineCase{"0x10 5\n", -1, 0, 0}, RegLineCase{"TFORM: 1 2 3\n", -1, 0, 0},
-                      RegLineCase{"", -1, 0, 0}));
+                      RegLineCase{"", -1, 0, 0}),
+                         [](const ::testing::TestParamInfo<RegLineCase>& info) {
+        return std::to_string(info.index) + (info.param.result == 0 ? "_register" : "_notRegister");
+    });
 
 // ---------------------------------------------------------------- header
 
-TEST_F(RegistrationTest, BothCountsOnOneLine) {
-    ASSERT_EQ(load("ZOOMNUM:3 REGNUM:2\n"
-                   "ZOOM:10\n0x1 0x2\n0x3 0x4\nTFORM:\n"
-                   "ZOOM:20\n0x5 0x6\n0x7 0x8\nTFORM:\n"
-                   "ZOOM:30\n0x9 0xa\n0xb 0xc\nTFORM:\n"),
-              1);
-    EXPECT_EQ(drvRegistrateParam.zoomNum, 3);
-    EXPECT_EQ(drvRegistrateParam.regNum, 2);
-    EXPECT_EQ(drvRegistrateParam.zoomX[2], 30);
-    EXPECT_EQ(pairAt(2, 1).addr, 0xBu);
-    EXPECT_EQ(pairAt(2, 1).data, 0xCu);
+// A file that loads from the first place, and what it must leave in the record: the counts,
+// every zoom position, and the listed register pairs as (block, position, addr, data).
+struct LayoutCase {
+    const char* name;
+    std::string text;
+    Int32 zoomNum, regNum;
+    std::vector<Int32> zoomX;
+    std::vector<std::array<Uint32, 4>> pairs;
+};
+
+class RegistrationLayoutTest : public RegistrationTest, public ::testing::WithParamInterface<LayoutCase> {};
+
+TEST_P(RegistrationLayoutTest, LoadsTheBlocks) {
+    const LayoutCase& c = GetParam();
+    ASSERT_EQ(load(c.text), 1);
+    EXPECT_EQ(drvRegistrateParam.zoomNum, c.zoomNum);
+    EXPECT_EQ(drvRegistrateParam.regNum, c.regNum);
+    for (size_t z = 0; z < c.zoomX.size(); ++z) EXPECT_EQ(drvRegistrateParam.zoomX[z], c.zoomX[z]) << "zoom " << z;
+    for (const auto& [block, k, addr, data] : c.pairs) {
+        EXPECT_EQ(pairAt(int(block), int(k)).addr, addr) << "block " << block << " pair " << k;
+        EXPECT_EQ(pairAt(int(block), int(k)).data, data) << "block " << block << " pair " << k;
+    }
+    EXPECT_EQ(log_.count("WARN"), 0u);
 }
 
-TEST_F(RegistrationTest, LinesBeforeZoomNumAreIgnored) {
-    ASSERT_EQ(load("# comment\nREGNUM:9\nZOOMNUM:1\nfree text\nREGNUM:1\nZOOM:5\n0x1 0x2\nTFORM:\n"), 1);
-    EXPECT_EQ(drvRegistrateParam.regNum, 1);
-    EXPECT_EQ(drvRegistrateParam.zoomX[0], 5);
-}
+// A line longer than 255 characters arrives in pieces, each read as a line: "ZOOMN" | "UM:9"
+// is in neither piece, a count line after 255 characters is whole in the second piece, and a
+// padded register line takes two positions, so the block's last pair is dropped.
+const std::string kSplit = std::string(250, 'a') + "ZOOMNUM:9\n" + std::string(255, 'b') + "ZOOMNUM:1 REGNUM:2\n" +
+                           "ZOOM:40\n0x11 0x22" + std::string(300, ' ') + "\n0x33 0x44\nTFORM:\n";
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, RegistrationLayoutTest,
+    ::testing::Values(
+        LayoutCase{"BothCountsOnOneLine",
+                   "ZOOMNUM:3 REGNUM:2\nZOOM:10\n0x1 0x2\n0x3 0x4\nTFORM:\nZOOM:20\n0x5 0x6\n0x7 0x8\nTFORM:\n"
+                   "ZOOM:30\n0x9 0xa\n0xb 0xc\nTFORM:\n",
+                   3, 2, {10, 20, 30}, {{2, 1, 0xB, 0xC}}},
+        LayoutCase{"LinesBeforeZoomNumAreIgnored",
+                   "# comment\nREGNUM:9\nZOOMNUM:1\nfree text\nREGNUM:1\nZOOM:5\n0x1 0x2\nTFORM:\n", 1, 1, {5},
+                   {{0, 0, 1, 2}}},
+        LayoutCase{"LongLinesArriveInPieces", kSplit, 1, 2, {40}, {{0, 0, 0x11, 0x22}, {0, 1, 0, 0}}},
+        LayoutCase{"WellFormedBlocks",
+                   "ZOOMNUM:2\nREGNUM:2\nZOOM:120\n0x1f 0x0033\nreg x20 val x44\nTFORM: 1 0 0 0 1 0\n"
+                   "ZOOM:240\n0x21 0x55\n0x22 0x66\nTFORM:\n",
+                   2, 2, {120, 240}, {{0, 0, 0x1F, 0x33}, {0, 1, 0x20, 0x44}, {1, 0, 0x21, 0x55}, {1, 1, 0x22, 0x66}}},
+        // Without the closing line the next zoom line closes the block: the second block is
+        // never given a zoom position and stays zero-filled.
+        LayoutCase{"MissingTformLosesNextZoom",
+                   "ZOOMNUM:2\nREGNUM:2\nZOOM:120\n0x1 0x2\n0x3 0x4\nZOOM:240\n0x5 0x6\n0x7 0x8\nTFORM:\n", 2, 2,
+                   {120, 0}, {{1, 0, 0, 0}, {1, 1, 0, 0}}},
+        // Block 0 ends on its third register line; block 1 then starts on block 0's closing
+        // line, so its zoom line is position 1 and its first pair lands in slot 1.
+        LayoutCase{"ExtraRegisterLineIsDroppedNotSpilled",
+                   "ZOOMNUM:2\nREGNUM:2\nZOOM:120\n0x1 0x2\n0x3 0x4\n0x9 0x9\nTFORM:\nZOOM:240\n0x5 0x6\n0x7 0x8\n"
+                   "TFORM:\n",
+                   2, 2, {120, 240}, {{0, 0, 1, 2}, {0, 1, 3, 4}, {1, 0, 0, 0}, {1, 1, 5, 6}}},
+        LayoutCase{"TruncatedFileKeepsZoomNum",
+                   "ZOOMNUM:3\nREGNUM:2\nZOOM:10\n0x1 0x2\n0x3 0x4\nTFORM:\nZOOM:20\n0x5 0x6\n", 3, 2, {10, 20, 0},
+                   {{1, 0, 5, 6}, {1, 1, 0, 0}, {2, 1, 0, 0}}},
+        // The zoom line sits at position 2, so the register line after it is position 3,
+        // pair 2, outside regNum: dropped. The block ends after regNum + 2 lines.
+        LayoutCase{"LinesBeforeZoomLineAreSkipped", "ZOOMNUM:1\nREGNUM:2\nTFORM:\n0x7 0x7\nZOOM:50\n0x1 0x2\n", 1,
+                   2, {50}, {{0, 0, 0, 0}, {0, 1, 0, 0}}}),
+    [](const ::testing::TestParamInfo<LayoutCase>& info) { return std::string(info.param.name); });
 
 TEST_F(RegistrationTest, RegNumBeforeZoomNumOnlyFails) {
     EXPECT_EQ(load("REGNUM:2\nZOOMNUM:1\nZOOM:5\n0x1 0x2\n"), -1);
     EXPECT_EQ(countWarn(log_, "DRV_ispGetRegistrateCfg", "getPropertyCfgNew failed\n"), 1u);
     EXPECT_EQ(drvRegistrateParam.zoomX, nullptr);
-}
-
-// A line longer than 255 characters arrives in pieces, each read as a line.
-TEST_F(RegistrationTest, LongLinesArriveInPieces) {
-    const std::string split = std::string(250, 'a') + "ZOOMNUM:9\n";             // "ZOOMN" | "UM:9": in neither piece
-    const std::string second = std::string(255, 'b') + "ZOOMNUM:1 REGNUM:2\n";  // whole in the second piece
-    // In the block, the padded register line takes two positions, so the last line's pair is dropped.
-    const std::string longReg = "0x11 0x22" + std::string(300, ' ') + "\n";
-    ASSERT_EQ(load(split + second + "ZOOM:40\n" + longReg + "0x33 0x44\nTFORM:\n"), 1);
-    EXPECT_EQ(drvRegistrateParam.zoomNum, 1);
-    EXPECT_EQ(drvRegistrateParam.regNum, 2);
-    EXPECT_EQ(drvRegistrateParam.zoomX[0], 40);
-    EXPECT_EQ(pairAt(0, 0).addr, 0x11u);
-    EXPECT_EQ(pairAt(0, 0).data, 0x22u);
-    EXPECT_EQ(pairAt(0, 1).addr, 0u);
-    EXPECT_EQ(pairAt(0, 1).data, 0u);
-}
-
-// ---------------------------------------------------------------- blocks
-
-TEST_F(RegistrationTest, WellFormedBlocks) {
-    ASSERT_EQ(load("ZOOMNUM:2\nREGNUM:2\n"
-                   "ZOOM:120\n0x1f 0x0033\nreg x20 val x44\nTFORM: 1 0 0 0 1 0\n"
-                   "ZOOM:240\n0x21 0x55\n0x22 0x66\nTFORM:\n"),
-              1);
-    EXPECT_EQ(drvRegistrateParam.zoomX[0], 120);
-    EXPECT_EQ(drvRegistrateParam.zoomX[1], 240);
-    const RegisterParam expected[] = {{0x1F, 0x33}, {0x20, 0x44}, {0x21, 0x55}, {0x22, 0x66}};
-    for (int n = 0; n < 4; ++n) {
-        EXPECT_EQ(pairAt(n / 2, n % 2).addr, expected[n].addr) << n;
-        EXPECT_EQ(pairAt(n / 2, n % 2).data, expected[n].data) << n;
-    }
-}
-
-TEST_F(RegistrationTest, MissingTformLosesNextZoom) {
-    ASSERT_EQ(load("ZOOMNUM:2\nREGNUM:2\n"
-                   "ZOOM:120\n0x1 0x2\n0x3 0x4\n"  // no closing line
-                   "ZOOM:240\n0x5 0x6\n0x7 0x8\nTFORM:\n"),
-              1);
-    EXPECT_EQ(drvRegistrateParam.zoomX[0], 120);
-    EXPECT_EQ(drvRegistrateParam.zoomX[1], 0);  // never given: zero-filled
-    EXPECT_EQ(pairAt(1, 0).addr, 0u);
-    EXPECT_EQ(pairAt(1, 1).data, 0u);
-}
-
-TEST_F(RegistrationTest, ExtraRegisterLineIsDroppedNotSpilled) {
-    ASSERT_EQ(load("ZOOMNUM:2\nREGNUM:2\n"
-                   "ZOOM:120\n0x1 0x2\n0x3 0x4\n0x9 0x9\nTFORM:\n"
-                   "ZOOM:240\n0x5 0x6\n0x7 0x8\nTFORM:\n"),
-              1);
-    EXPECT_EQ(pairAt(0, 0).addr, 0x1u);
-    EXPECT_EQ(pairAt(0, 1).addr, 0x3u);
-    // Block 0 ends on its third register line; block 1 then starts on block 0's
-    // closing line, so its zoom line is position 1 and its first pair lands in slot 1.
-    EXPECT_EQ(pairAt(1, 0).addr, 0u);
-    EXPECT_EQ(pairAt(1, 0).data, 0u);
-    EXPECT_EQ(drvRegistrateParam.zoomX[1], 240);
-    EXPECT_EQ(pairAt(1, 1).addr, 0x5u);
-}
-
-TEST_F(RegistrationTest, TruncatedFileKeepsZoomNum) {
-    ASSERT_EQ(load("ZOOMNUM:3\nREGNUM:2\n"
-                   "ZOOM:10\n0x1 0x2\n0x3 0x4\nTFORM:\n"
-                   "ZOOM:20\n0x5 0x6\n"),
-              1);
-    EXPECT_EQ(drvRegistrateParam.zoomNum, 3);
-    EXPECT_EQ(drvRegistrateParam.zoomX[1], 20);
-    EXPECT_EQ(pairAt(1, 0).addr, 0x5u);
-    EXPECT_EQ(pairAt(1, 1).addr, 0u);
-    EXPECT_EQ(drvRegistrateParam.zoomX[2], 0);
-    EXPECT_EQ(pairAt(2, 1).data, 0u);
-    EXPECT_EQ(log_.count("WARN"), 0u);
-}
-
-TEST_F(RegistrationTest, LinesBeforeZoomLineAreSkipped) {
-    ASSERT_EQ(load("ZOOMNUM:1\nREGNUM:2\nTFORM:\n0x7 0x7\nZOOM:50\n0x1 0x2\n"), 1);
-    EXPECT_EQ(drvRegistrateParam.zoomX[0], 50);
-    // The zoom line sits at position 2, so the register line after it is position 3,
-    // pair 2, outside regNum: dropped. The block ends after regNum + 2 lines.
-    EXPECT_EQ(pairAt(0, 0).addr, 0u);
-    EXPECT_EQ(pairAt(0, 1).addr, 0u);
 }
 
 // ---------------------------------------------------------------- limits
@@ -359,7 +337,10 @@ INSTANTIATE_TEST_SUITE_P(Limits, RegistrationLimitTest,
                                            LimitCase{2147483647, 2147483647, false},
                                            LimitCase{-2147483648LL, -2147483648LL, false},
                                            LimitCase{4096, 256, true}, LimitCase{1, 65536, true},
-                                           LimitCase{4096, 1, true}));
+                                           LimitCase{4096, 1, true}),
+                         [](const ::testing::TestParamInfo<LimitCase>& info) {
+                             return std::to_string(info.index) + (info.param.accepted ? "_accepted" : "_refused");
+                         });
 
 // ---------------------------------------------------------------- memory
 
@@ -396,7 +377,10 @@ TEST_P(RegistrationAllocTest, FailedAllocationFailsThePlaceWithoutLeak) {
 INSTANTIATE_TEST_SUITE_P(Allocations, RegistrationAllocTest,
                          ::testing::Values(AllocFailCase{1, "DRV_ispGetRegistrateCfg", "buffer malloc failed\n"},
                                            AllocFailCase{2, "DRV_ispGetRegCfg", "zoomx malloc failed!\n"},
-                                           AllocFailCase{3, "DRV_ispGetRegCfg", "registerParam malloc failed!\n"}));
+                                           AllocFailCase{3, "DRV_ispGetRegCfg", "registerParam malloc failed!\n"}),
+                         [](const ::testing::TestParamInfo<AllocFailCase>& info) {
+                             return "Call" + std::to_string(info.param.failingCall);
+                         });
 
 TEST_F(RegistrationTest, NullHandleIsReported) {
     char buffer[ispdsp::kRegistrateLineSize] = {};
