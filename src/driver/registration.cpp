@@ -12,6 +12,14 @@
 
 #include "common/log.h"
 
+// The arrays live as long as the library: a later load that succeeds releases
+// and replaces them (DRV_ispGetRegCfg), and nothing else releases them. In
+// particular no unload-time destructor does: at process exit it would run
+// after the host's own static destructors, and a host's OSA_memUFree may rely
+// on one of those; a destructor cannot tell exit from dlclose. So the library
+// never calls OSA_* from a destructor; the operating system reclaims the
+// arrays at exit (tests/unload/held-until-exit.supp names them for valgrind),
+// and a host that unloads the library with dlclose leaves them behind.
 DRV_RegistrateParam drvRegistrateParam = {};
 
 namespace {
@@ -88,11 +96,6 @@ bool countsInRange(Int32 zoomNum, Int32 regNum) {
     if (regNum <= 0 || regNum > kRegistrateMaxRegNum) return false;
     return Int64{zoomNum} * Int64{regNum} <= kRegistrateMaxPairs;
 }
-
-// Frees the library's arrays when it is unloaded (or the process ends), so a
-// host that loads and unloads the library leaks nothing. Harmless when no
-// load ever succeeded: the record is then zero.
-__attribute__((destructor)) void releaseRegistrateAtUnload() { DRV_ispReleaseRegistrateCfg(&drvRegistrateParam); }
 
 }  // namespace
 

@@ -53,6 +53,7 @@ Int32 DRV_ispGetLineCfg(Char* buffer, Char* field, Int32* value);
 // 0 and the hexadecimal address and value when `buffer` is a register line, else -1.
 Int32 DRV_ispGetLineRegCfg(Char* buffer, Int32* addr, Int32* value);
 
-// Releases the record's arrays and clears it; harmless on a zero record. Runs
-// when the library is unloaded; white-box tests use it to start from zero.
+// Releases the record's arrays and clears it; harmless on a zero record. Used
+// when a new load replaces the arrays; white-box tests and fuzz targets use it
+// to start from zero. Never called at unload (see registration.cpp).
 void DRV_ispReleaseRegistrateCfg(DRV_RegistrateParam* pRegistrateParam);
