@@ -1,13 +1,11 @@
-// The contract of one enhancement stage as test data: which input field lands
-// in which payload field with which values, what each debug id stores for
-// values at and beyond its bounds, which ids are silent, and the exact lines
-// of a print and of a calculation. stage_family_test.cpp runs the checks;
-// each stage_*_test.cpp instantiates them for its stages.
+// The contract of one enhancement stage as test data: one row per payload field
+// the calculation writes (input field, payload field, the documented range, the
+// debug id that stores the same record field), and the exact lines of a print
+// and of a calculation for generated inputs. stage_test.cpp runs the checks.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <ostream>
@@ -15,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "ispdsp/fusion.h"
 #include "ispdsp/stages.h"
 
 namespace stage_test {
@@ -27,82 +26,32 @@ struct FieldAt {
 
 inline uint32_t allOnes(FieldAt f) { return f.width == 4 ? 0xFFFFFFFFu : (1u << (8 * f.width)) - 1u; }
 
-// ---- Calculation: input value -> payload value, per mapped field ----
-
-struct CalcCase {
-    uint32_t in;
-    uint32_t out;
-};
-struct CalcRow {
-    FieldAt from;  // in the calculation input
-    FieldAt to;    // in the payload
-    std::vector<CalcCase> cases;
+enum class Kind {
+    Held,    // unsigned input held to [low, high] (a copy when the range is the whole width)
+    Flag,    // 1 for any nonzero input
+    Signed,  // signed input held to [low, high]
 };
 
-inline CalcRow calcRow(FieldAt from, FieldAt to, std::vector<CalcCase> cases) {
-    std::erase_if(cases, [&](const CalcCase& c) { return c.in > allOnes(from); });
-    return CalcRow{from, to, std::move(cases)};
-}
-inline CalcRow copied(FieldAt from, FieldAt to) {
-    return calcRow(from, to, {{0, 0}, {1, 1}, {allOnes(from), allOnes(from)}});
-}
-inline CalcRow capped(FieldAt from, FieldAt to, uint32_t cap) {
-    return calcRow(from, to, {{0, 0}, {cap - 1, cap - 1}, {cap, cap}, {cap + 1, cap}, {allOnes(from), cap}});
-}
-inline CalcRow ranged(FieldAt from, FieldAt to, uint32_t low, uint32_t high) {
-    return calcRow(from, to,
-                   {{0, low}, {low - 1, low}, {low, low}, {high, high}, {high + 1, high}, {allOnes(from), high}});
-}
-inline CalcRow flagged(FieldAt from, FieldAt to) {
-    return calcRow(from, to, {{0, 0}, {1, 1}, {7, 1}, {allOnes(from), 1}});
-}
-
-// ---- Debug setter: value -> stored value and its confirmation line ----
-
-struct SetCase {
-    int32_t value;
-    uint32_t stored;
-};
-struct IdRow {
+struct Row {
+    FieldAt in, out, rec;  // rec: the record field behind debug id `id` (-1: no id)
     int32_t id;
-    FieldAt field;  // in the record
-    std::string line;  // format with one %u of the stored value
-    std::vector<SetCase> cases;
+    int32_t low, high;
+    Kind kind;
+    const char* name;  // as the confirmation line names it
 };
 
-inline IdRow between(int32_t id, FieldAt f, int32_t low, int32_t high, std::string line,
-                     std::vector<SetCase> more = {}) {
-    std::vector<SetCase> cases = {{low, uint32_t(low)},       {high, uint32_t(high)},  {high + 1, uint32_t(high)},
-                                  {INT32_MAX, uint32_t(high)}, {low - 1, uint32_t(low)}, {-1, uint32_t(low)},
-                                  {INT32_MIN, uint32_t(low)}};
-    cases.insert(cases.end(), more.begin(), more.end());
-    return IdRow{id, f, std::move(line), std::move(cases)};
-}
-// Upper bound only: a negative value keeps its low-order bits.
-inline IdRow atMost(int32_t id, FieldAt f, int32_t high, std::string line, std::vector<SetCase> more = {}) {
-    std::vector<SetCase> cases = {{0, 0},
-                                  {high, uint32_t(high)},
-                                  {high + 1, uint32_t(high)},
-                                  {INT32_MAX, uint32_t(high)},
-                                  {-1, allOnes(f)},
-                                  {-2, allOnes(f) - 1},
-                                  {INT32_MIN, uint32_t(INT32_MIN) & allOnes(f)}};
-    cases.insert(cases.end(), more.begin(), more.end());
-    return IdRow{id, f, std::move(line), std::move(cases)};
-}
-
-// ---- Exact log lines for one filled record or input ----
-
-struct Assign {
-    FieldAt field;
-    uint32_t value;
-};
-struct LinesExample {
-    std::vector<Assign> assigns;     // applied to a zeroed record / input
-    std::vector<std::string> lines;  // expected, in order
-};
-
-// ---- The stage through its public functions ----
+// A record field: the calculation input starts with the record, so the input
+// field sits at the record field's offset.
+#define ROW(recMember, outMember, id, low, high, name) \
+    ::stage_test::Row{STAGE_AT(Rec, recMember), STAGE_AT(Out, outMember), STAGE_AT(Rec, recMember), id, low, high, \
+                      ::stage_test::Kind::Held, name}
+#define FLAG_ROW(recMember, outMember, id, name) \
+    ::stage_test::Row{STAGE_AT(Rec, recMember), STAGE_AT(Out, outMember), STAGE_AT(Rec, recMember), id, 0, 1, \
+                      ::stage_test::Kind::Flag, name}
+// An input the record does not have (debug_pin, scene_mode): no debug id.
+#define INPUT_ROW(inMember, outMember, low, high, kind) \
+    ::stage_test::Row{STAGE_AT(In, inMember), STAGE_AT(Out, outMember), {0, 1}, -1, low, high, kind, ""}
+#define PIN_ROW(outMember) INPUT_ROW(debug_pin, outMember, 0, 1, ::stage_test::Kind::Flag)
 
 struct StageApi {
     const char* name;
@@ -110,9 +59,6 @@ struct StageApi {
     int32_t (*calculate)(void* input, void* payload);
     int32_t (*debugSet)(void* record, int32_t id, int32_t value);
     int32_t (*print)(void* record);
-    const char* calculateName;
-    const char* debugSetName;
-    const char* printName;
     const char* inputParam;
     const char* recordParam;
 };
@@ -128,25 +74,22 @@ struct StageApi {
                 return DRV_dspdbg##Name(static_cast<CFG_DSP_##Name##Ver*>(rec), id, v);                  \
             },                                                                                           \
             [](void* rec) { return DRV_dspdbg##Name##Print(static_cast<CFG_DSP_##Name##Ver*>(rec)); }, \
-            "DRV_dspCalculate" #Name, "DRV_dspdbg" #Name, "DRV_dspdbg" #Name "Print", inputParam,        \
-            recordParam                                                                                  \
+            inputParam, recordParam                                                                      \
     }
 
 struct StageCase {
     StageApi api;
-    std::vector<CalcRow> calc;  // every payload field the calculation writes
-    std::vector<IdRow> ids;     // every id that stores a value
-    int32_t idCount;            // ids at or above are unknown
-    std::vector<int32_t> silentIds;  // known ids that store nothing
-    LinesExample calculationLines;   // input -> set lines (none for some stages)
-    LinesExample printLines;         // record -> print lines
+    std::vector<Row> rows;  // every payload field the calculation writes, in the stage's order
+    int32_t idCount;        // ids at or above are unknown; ids below without a row store nothing
+    bool upperOnly;         // the setter of a field with low 0 caps only: a negative value keeps its low bits
+    std::string confirmHead, confirmTail;  // "<head><name> is <value><tail>"
+    // Row k's input is 2k + 1: the calculation's set lines for it (some stages log none).
+    std::vector<std::string> setLines;
+    // Debug id 0's field holds all ones, id k's field 10 + k: the print lines for it.
+    std::vector<std::string> printLines;
 };
 
-class StageContract : public testing::TestWithParam<StageCase> {};
-
-// Failure messages name the stage instead of dumping its bytes.
 inline void PrintTo(const StageCase& stage, std::ostream* os) { *os << stage.api.name; }
-
 inline std::string stageName(const testing::TestParamInfo<StageCase>& info) { return info.param.api.name; }
 
 }  // namespace stage_test
