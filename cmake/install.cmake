@@ -58,6 +58,11 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/sample/
   COMPONENT host
   FILES_MATCHING PATTERN "*.bin" PATTERN "*.txt" PATTERN "*.json")
 
+# Lays out a sandbox root (ISPDSP_ROOT) from the sample beside it.
+install(PROGRAMS ${PROJECT_SOURCE_DIR}/scripts/prepare-sandbox.sh
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/ispdsp
+  COMPONENT host)
+
 install(FILES ${PROJECT_SOURCE_DIR}/docs/integration.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR}
   COMPONENT development

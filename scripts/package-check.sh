@@ -3,8 +3,9 @@
 # framework consumes a C library, from already built trees:
 #
 #   1. cmake --install of the native build into a temporary prefix;
-#   2. the out-of-tree consumer (tests/package) built against that prefix with
-#      find_package(ispdsp) and with pkg-config, and run;
+#   2. the example of docs/integration.md, its commands as written there (only
+#      the prefix differs), against that prefix: with pkg-config and with
+#      find_package(ispdsp), run on a sandbox root made by prepare-sandbox.sh;
 #   3. the Debian packages of the native build (cpack: libispdspX,
 #      libispdsp-dev, ispdsp-tools) and, when the AArch64 build exists, of that
 #      one (libispdspX, libispdsp-dev for arm64): dpkg-deb --info/--contents,
@@ -16,7 +17,8 @@
 #   ISPDSP_PACKAGE_OUT=<dir>  keep the packages there (default: a temporary
 #                             folder, removed unless a step failed)
 #
-# Also checks that the example in docs/integration.md is tests/package/consumer.c.
+# Also runs the example of docs/integration.md as written there (its commands,
+# CMakeLists.txt and consumer.c, the listings being those of tests/package).
 # Prints one line per step and a last summary line; exits non-zero on failure.
 set -uo pipefail
 
@@ -73,18 +75,26 @@ major=${version%%.*}
 [ -n "$version" ] || fail configure "no package version in $native/CPackConfig.cmake"
 echo "package-check: ispdsp $version, native build $native"
 
-# ---- 0. The example in the integration notes is the consumer that is tested ----
+# ---- 0. The example of the integration notes is the tested consumer ----
 
+# doc_block MARKER: the first fenced block after the line that starts with MARKER.
 doc=$root/docs/integration.md
-if [ -f "$doc" ]; then
-    awk '/<!-- consumer.c:/ { marked = 1; next }
-         marked && !inside && /^```c$/ { inside = 1; next }
+doc_block() {
+    awk -v marker="$1" 'index($0, marker) == 1 { marked = 1; next }
+         marked && !inside && /^```/ { inside = 1; next }
          inside && /^```$/ { exit }
-         inside { print }' "$doc" >"$work/doc-consumer.c"
-    cmp -s "$work/doc-consumer.c" "$root/tests/package/consumer.c" ||
-        fail docs "the listing in docs/integration.md differs from tests/package/consumer.c"
-    ok docs "listing = tests/package/consumer.c"
-fi
+         inside { print }' "$doc"
+}
+example=$work/example
+mkdir -p "$example"
+for listing in CMakeLists.txt consumer.c; do
+    doc_block "<!-- tests/package/$listing:" >"$example/$listing"
+    cmp -s "$example/$listing" "$root/tests/package/$listing" ||
+        fail docs "the $listing listing in docs/integration.md differs from tests/package/$listing"
+done
+doc_block "<!-- example commands:" >"$example/commands.sh"
+grep -q '^prefix=/opt/ispdsp ' "$example/commands.sh" || fail docs "the example commands in docs/integration.md set no prefix=/opt/ispdsp"
+ok docs "listings = tests/package/CMakeLists.txt, consumer.c"
 
 # ---- 1. Install into a temporary prefix ----
 
@@ -103,15 +113,22 @@ soname=$(readelf -d "$libdir/libispdsp.so.$version" | sed -n 's/.*(SONAME).*\[\(
 [ "$soname" = "libispdsp.so.$major" ] || fail install "SONAME is '$soname', expected libispdsp.so.$major"
 ok install "prefix $prefix, SONAME $soname"
 
-# ---- 2. The consumer against the prefix ----
+# ---- 2. The example, as written in the notes, against the prefix ----
 
 # The device files that the driver reads at creation, in a sandbox root that
-# libispdsp_host puts in front of absolute paths.
-sample=$prefix/share/ispdsp/sample
+# libispdsp_host puts in front of absolute paths (for the package consumers).
 device_root=$work/device
-mkdir -p "$device_root/var/tmp"
-cp "$sample/dsp_isp_para.bin" "$sample/calibration.txt" "$device_root/var/tmp/" 2>"$work/sample.log" ||
-    fail consumer "no sample device files in $sample" "$work/sample.log"
+run "$work/sample.log" "$prefix/share/ispdsp/prepare-sandbox.sh" "$device_root" ||
+    fail consumer "the installed prepare-sandbox.sh failed" "$work/sample.log"
+
+# Only the prefix differs from the notes; the commands run in a clean
+# environment so that nothing of this shell (PKG_CONFIG_*, LD_*) helps them.
+sed -i "s|^prefix=/opt/ispdsp |prefix='$prefix' |" "$example/commands.sh"
+(cd "$example" && env -i PATH="$PATH" HOME="$HOME" bash -ex commands.sh) >"$work/example.log" 2>&1 ||
+    fail "docs example" "the commands of docs/integration.md failed" "$work/example.log"
+[ "$(grep -c '^consumer: 2 pipes' "$work/example.log")" = 2 ] ||
+    fail "docs example" "expected a report line from each of the two builds" "$work/example.log"
+ok "docs example" "pkg-config and find_package: $(grep '^consumer:' "$work/example.log" | tail -n 1)"
 
 # run_consumer STEP PROGRAM: runs it on the device files; its report line
 # goes to $consumer_report.
@@ -144,11 +161,6 @@ build_with_pkgconfig() {
         $flags -Wl,-rpath,"$pc_libdir" -o "$2" || fail "$1" "cc \$(pkg-config ...) failed" "$work/$1.log"
     run_consumer "$1" "$2"
 }
-
-build_with_cmake find_package "$prefix"
-ok find_package "$consumer_report"
-PKG_CONFIG_PATH="$libdir/pkgconfig" build_with_pkgconfig pkg-config "$work/consumer-pc"
-ok pkg-config "cc \$(pkg-config --cflags --libs ispdsp ispdsp-host)"
 
 # ---- 3. Debian packages ----
 
@@ -218,6 +230,7 @@ check_tools_deb() {
     has "$list" "^-.* \./usr/lib/(.*/)?libispdsp_host\.so\.$version\$" || fail "deb $package" "no libispdsp_host.so.$version" "$list"
     has "$list" " \./usr/include/ispdsp_host/host\.h\$" || fail "deb $package" "no host.h" "$list"
     has "$list" "/pkgconfig/ispdsp-host\.pc\$" || fail "deb $package" "no ispdsp-host.pc" "$list"
+    has "$list" " \./usr/share/ispdsp/prepare-sandbox\.sh\$" || fail "deb $package" "no prepare-sandbox.sh" "$list"
     for tool in ispdsp-cfg ispdsp-sim; do
         if [ -n "$(find "$native/tools" -maxdepth 2 -type f -name "$tool" 2>/dev/null)" ]; then
             has "$list" " \./usr/bin/$tool\$" || fail "deb $package" "no $tool" "$list"
@@ -285,7 +298,7 @@ done
 debpc=$(find "$debroot" -name ispdsp.pc -printf '%h\n' | head -n 1)
 [ -n "$debpc" ] || fail "deb consumer" "no ispdsp.pc in the packages"
 build_with_cmake deb-find_package "$debroot/usr"
-ok "deb find_package" "unpacked packages"
+ok "deb find_package" "$consumer_report"
 PKG_CONFIG_LIBDIR="$debpc" PKG_CONFIG_PATH="" PKG_CONFIG_SYSROOT_DIR="$debroot" \
     build_with_pkgconfig deb-pkg-config "$work/consumer-deb-pc"
 ok "deb pkg-config" "unpacked packages"
