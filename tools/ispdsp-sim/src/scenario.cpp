@@ -242,13 +242,11 @@ std::string baseName(const std::string& path) {
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
-}  // namespace
-
-Scenario parseScenario(const std::string& text, const std::string& displayName, std::optional<int64_t> framesOverride) {
-    json doc;
+// Step 1, read: the JSON document, with the line and column of a syntax error.
+json readDocument(const std::string& text, const std::string& displayName) {
     try {
         // Comments are allowed so bundled scenarios can explain themselves.
-        doc = json::parse(text, nullptr, true, /*ignore_comments=*/true);
+        return json::parse(text, nullptr, true, /*ignore_comments=*/true);
     } catch (const json::parse_error& e) {
         const auto [line, column] = lineAndColumn(text, e.byte);
         std::string what = e.what();
@@ -256,81 +254,91 @@ Scenario parseScenario(const std::string& text, const std::string& displayName, 
         if (const size_t colon = what.find(": "); colon != std::string::npos) what = what.substr(colon + 2);
         throw ScenarioError(displayName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + what);
     }
-    const std::string top = displayName;
+}
+
+// Step 2, validate the top level: known keys, one kind of list, the description.
+void checkTopLevel(const json& doc, const std::string& top, Scenario& scenario) {
+    static const std::vector<std::string> known = {"name", "description", "frames", "defaults", "segments", "keyframes"};
     if (!doc.is_object()) fail(top, "expected a JSON object at the top");
     for (const auto& [key, unused] : doc.items()) {
         (void)unused;
-        static const std::vector<std::string> known = {"name", "description", "frames", "defaults", "segments",
-                                                       "keyframes"};
         if (std::find(known.begin(), known.end(), key) == known.end()) fail(top, "unknown top-level field '" + key + "'");
     }
     if (doc.contains("segments") && doc.contains("keyframes"))
         fail(top, "give either \"segments\" or \"keyframes\", not both");
-
-    Scenario scenario;
-    scenario.name = baseName(displayName);
     if (doc.contains("description")) {
         if (!doc["description"].is_string()) fail(top, "field 'description': expected a string");
         scenario.description = doc["description"].get<std::string>();
     }
+}
 
-    FrameInput state;
-    if (doc.contains("defaults")) applyPatch(state, parsePatch(doc["defaults"], false, top + ": defaults", {}), 0);
-    scenario.defaults = state;
+// A checked entry of the list, with the frames it covers.
+struct Entry {
+    Patch patch;
+    int64_t first;
+    int64_t count;  // segments: frames of the segment; keyframes: 1
+};
 
-    // The entries as checked patches, with the frame each starts at.
-    struct Entry {
-        Patch patch;
-        int64_t first;
-        int64_t count;  // segments: frames of the segment; keyframes: 1
-    };
+const json& listOf(const json& doc, const std::string& top, const char* field) {
+    if (!doc[field].is_array()) fail(top, std::string("field '") + field + "': expected an array");
+    return doc[field];
+}
+
+// Step 3a, validate the segments: each runs for its own frame count.
+std::vector<Entry> readSegments(const json& doc, const std::string& top) {
     std::vector<Entry> entries;
-    int64_t listFrames = 0;
-    if (doc.contains("segments")) {
-        const json& list = doc["segments"];
-        if (!list.is_array()) fail(top, "field 'segments': expected an array");
-        for (size_t i = 0; i < list.size(); ++i) {
-            const std::string index = top + ": segments[" + std::to_string(i) + "]";
-            if (!list[i].is_object()) fail(index, "expected an object");
-            if (!list[i].contains("frames")) fail(index + " (from frame " + std::to_string(listFrames) + ")",
-                                                  "missing field 'frames'");
-            const int64_t count = frameCountOf(list[i]["frames"], index, "frames", 1);
-            const std::string where = index + " (" + frameRange(listFrames, count) + ")";
-            entries.push_back({parsePatch(list[i], true, where, {"frames"}), listFrames, count});
-            listFrames += count;
-            if (listFrames > kMaxFrames) fail(where, "the segments hold more than " + std::to_string(kMaxFrames) + " frames");
-        }
-    } else if (doc.contains("keyframes")) {
-        const json& list = doc["keyframes"];
-        if (!list.is_array()) fail(top, "field 'keyframes': expected an array");
-        int64_t previous = -1;
-        for (size_t i = 0; i < list.size(); ++i) {
-            const std::string index = top + ": keyframes[" + std::to_string(i) + "]";
-            if (!list[i].is_object()) fail(index, "expected an object");
-            if (!list[i].contains("frame")) fail(index, "missing field 'frame'");
-            const int64_t frame = frameCountOf(list[i]["frame"], index, "frame", 0);
-            const std::string where = index + " (frame " + std::to_string(frame) + ")";
-            if (frame <= previous)
-                fail(where, "keyframes must be in ascending frame order (previous frame " + std::to_string(previous) + ")");
-            previous = frame;
-            entries.push_back({parsePatch(list[i], false, where, {"frame"}), frame, 1});
-            listFrames = frame + 1;
-        }
+    int64_t next = 0;
+    const json& list = listOf(doc, top, "segments");
+    for (size_t i = 0; i < list.size(); ++i) {
+        const std::string index = top + ": segments[" + std::to_string(i) + "]";
+        if (!list[i].is_object()) fail(index, "expected an object");
+        if (!list[i].contains("frames")) fail(index + " (from frame " + std::to_string(next) + ")", "missing field 'frames'");
+        const int64_t count = frameCountOf(list[i]["frames"], index, "frames", 1);
+        const std::string where = index + " (" + frameRange(next, count) + ")";
+        entries.push_back({parsePatch(list[i], true, where, {"frames"}), next, count});
+        next += count;
+        if (next > kMaxFrames) fail(where, "the segments hold more than " + std::to_string(kMaxFrames) + " frames");
     }
+    return entries;
+}
 
-    int64_t frames = listFrames;
-    if (doc.contains("frames")) frames = frameCountOf(doc["frames"], top, "frames", 0);
+// Step 3b, validate the keyframes: each holds from its frame on, in ascending order.
+std::vector<Entry> readKeyframes(const json& doc, const std::string& top) {
+    std::vector<Entry> entries;
+    int64_t previous = -1;
+    const json& list = listOf(doc, top, "keyframes");
+    for (size_t i = 0; i < list.size(); ++i) {
+        const std::string index = top + ": keyframes[" + std::to_string(i) + "]";
+        if (!list[i].is_object()) fail(index, "expected an object");
+        if (!list[i].contains("frame")) fail(index, "missing field 'frame'");
+        const int64_t frame = frameCountOf(list[i]["frame"], index, "frame", 0);
+        const std::string where = index + " (frame " + std::to_string(frame) + ")";
+        if (frame <= previous)
+            fail(where, "keyframes must be in ascending frame order (previous frame " + std::to_string(previous) + ")");
+        previous = frame;
+        entries.push_back({parsePatch(list[i], false, where, {"frame"}), frame, 1});
+    }
+    return entries;
+}
+
+// Step 4, the frame count: --frames, else "frames", else the end of the list (at least one).
+int64_t frameCountFor(const json& doc, const std::string& top, const std::vector<Entry>& entries,
+                      std::optional<int64_t> framesOverride) {
     if (framesOverride) {
         if (*framesOverride < 0 || *framesOverride > kMaxFrames)
             throw ScenarioError("--frames " + std::to_string(*framesOverride) + " is outside 0.." +
                                 std::to_string(kMaxFrames));
-        frames = *framesOverride;
+        return *framesOverride;
     }
-    if (!doc.contains("frames") && !framesOverride && entries.empty()) frames = 1;
+    if (doc.contains("frames")) return frameCountOf(doc["frames"], top, "frames", 0);
+    return entries.empty() ? 1 : entries.back().first + entries.back().count;
+}
 
-    // Walk the frames: every entry applies from its first frame on; a segment
-    // ramps across its frames and leaves its last values in place.
-    scenario.frames.reserve(static_cast<size_t>(frames));
+// Step 5, expand: every entry applies from its first frame on; a segment ramps
+// across its frames and leaves its last values in place.
+std::vector<FrameInput> expandFrames(FrameInput state, const std::vector<Entry>& entries, int64_t frames) {
+    std::vector<FrameInput> out;
+    out.reserve(static_cast<size_t>(frames));
     size_t next = 0;
     const Entry* active = nullptr;
     for (int64_t f = 0; f < frames; ++f) {
@@ -339,8 +347,23 @@ Scenario parseScenario(const std::string& text, const std::string& displayName, 
             const double t = active->count > 1 ? static_cast<double>(f - active->first) / static_cast<double>(active->count - 1) : 0.0;
             applyPatch(state, active->patch, t);
         }
-        scenario.frames.push_back(state);
+        out.push_back(state);
     }
+    return out;
+}
+
+}  // namespace
+
+Scenario parseScenario(const std::string& text, const std::string& displayName, std::optional<int64_t> framesOverride) {
+    const json doc = readDocument(text, displayName);
+    Scenario scenario;
+    scenario.name = baseName(displayName);
+    checkTopLevel(doc, displayName, scenario);
+    if (doc.contains("defaults")) applyPatch(scenario.defaults, parsePatch(doc["defaults"], false, displayName + ": defaults", {}), 0);
+    const std::vector<Entry> entries = doc.contains("segments")    ? readSegments(doc, displayName)
+                                       : doc.contains("keyframes") ? readKeyframes(doc, displayName)
+                                                                   : std::vector<Entry>{};
+    scenario.frames = expandFrames(scenario.defaults, entries, frameCountFor(doc, displayName, entries, framesOverride));
     return scenario;
 }
 
