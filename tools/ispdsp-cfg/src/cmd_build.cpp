@@ -1,51 +1,28 @@
-// build: JSON source -> binary parameter file.
-#include <ctime>
-
+// build: JSON source -> binary parameter file. A source the driver would reject (no table,
+// another version) is not written.
+#include "command_io.h"
 #include "commands.h"
-#include "file_checks.h"
-#include "table_codec.h"
+#include "tuning_codec.h"
 
 namespace ispcfg {
-namespace {
-
-TextField utcNow() {
-    TextField f{};
-    const std::time_t now = std::time(nullptr);
-    std::tm tm{};
-    gmtime_r(&now, &tm);
-    std::strftime(reinterpret_cast<char*>(f.data()), f.size(), "%Y-%m-%d %H:%M:%S", &tm);
-    return f;
-}
-
-}  // namespace
 
 int runBuild(const BuildOptions& o, std::ostream& out, std::ostream& err) {
-    std::vector<uint8_t> bytes;
-    std::string error;
-    if (!readFileBytes(o.source, bytes, error)) {
-        err << "error: " << error << "\n";
+    const std::optional<std::string> source = loadJsonSourceFor(o.source, err);
+    if (!source) return kExitError;
+    std::vector<std::string> errors;
+    const std::optional<BuiltParamFile> built = buildParamFile(*source, errors, {o.stampDate});
+    if (!built) {
+        for (const std::string& m : errors) err << "error: " << o.source << ": " << m << "\n";
         return kExitError;
     }
-    Diagnostics diag;
-    std::optional<ParamFileImage> image;
-    if (auto doc = parseJsonText(std::string(bytes.begin(), bytes.end()), diag)) image = decodeDocument(*doc, diag);
-    if (!image) {
-        for (const std::string& m : diag.messages()) err << "error: " << o.source << ": " << m << "\n";
-        return kExitError;
-    }
-    if (o.stampDate) image->header.dateTime = utcNow();
-
-    if (!writeFileBytes(o.output, serializeParamFile(*image), error)) {
-        err << "error: " << error << "\n";
-        return kExitError;
-    }
-    out << o.output << ": " << image->entries.size() << " tables, "
-        << kFileOverhead + image->entries.size() * kEntryBytes << " bytes\n";
-
-    Findings findings = headerFindings(image->header);
-    for (Finding& f : tableFindings(image->entries)) findings.push_back(std::move(f));
-    for (const Finding& f : findings) err << "warning: " << o.source << ": " << f.text << "\n";
-    return findings.empty() ? kExitOk : kExitFindings;
+    const std::string bytes(built->bytes.begin(), built->bytes.end());
+    if (!writeOutput(o.output, bytes, out, err, {o.source})) return kExitError;
+    // The summary goes where the file does not: standard error when the file is standard output.
+    std::ostream& report = o.output == "-" ? err : out;
+    report << o.output << ": " << (built->bytes.size() - kFileOverhead) / kEntryBytes << " tables, "
+           << built->bytes.size() << " bytes\n";
+    for (const std::string& w : built->warnings) err << "warning: " << o.source << ": " << w << "\n";
+    return built->warnings.empty() ? kExitOk : kExitFindings;
 }
 
 }  // namespace ispcfg

@@ -1,36 +1,38 @@
 // check: everything the driver would reject or hold back in a binary parameter file.
 #include "commands.h"
-#include "file_checks.h"
 #include "header_codec.h"
 #include "type_names.h"
 
 namespace ispcfg {
 
 int runCheck(const std::string& input, std::ostream& out, std::ostream& err) {
-    std::vector<uint8_t> bytes;
-    std::string error;
-    if (!readFileBytes(input, bytes, error)) {
-        err << "error: " << error << "\n";
-        return kExitError;
-    }
-    auto file = parseParamFile(bytes, error);
-    if (!file) {  // too short to be a parameter file: a finding about the file, not a tool failure
-        out << "warning: " << input << ": " << error << "\n";
+    const std::optional<LoadedParamFile> loaded = loadParamFileFor(input, err);
+    if (!loaded) return kExitError;
+    if (!loaded->file) {  // too short to be taken apart: a finding about the file, not a tool failure
+        out << "error: " << input << ": " << loaded->tooShort << "\n" << input << ": 1 error, 0 warnings\n";
         return kExitFindings;
     }
-    Findings findings = structureFindings(*file);
-    for (Finding& f : headerFindings(file->image.header)) findings.push_back(std::move(f));
-    for (Finding& f : tableFindings(file->image.entries)) findings.push_back(std::move(f));
+    const ParsedFile& file = *loaded->file;
+    Findings findings = structureFindings(file);
+    for (Finding& f : headerFindings(file.image.header)) findings.push_back(std::move(f));
+    for (Finding& f : tableFindings(file.image.entries)) findings.push_back(std::move(f));
 
-    const FileHeader& h = file->image.header;
+    const FileHeader& h = file.image.header;
     out << input << ": version " << describeFloat(h.verBits) << ", subVer " << describeFloat(h.subVerBits)
         << ", dateTime " << describeText(h.dateTime) << ", archName " << describeText(h.archName) << ", pdtName "
         << describeText(h.pdtName) << "\n";
-    out << input << ": " << file->image.entries.size() << " tables:";
-    for (const TableEntry& e : file->image.entries) out << " " << tableTypeName(e.type);
+    out << input << ": " << file.image.entries.size() << " tables:";
+    for (const TableEntry& e : file.image.entries) out << " " << tableTypeName(e.type);
     out << "\n";
-    for (const Finding& f : findings) out << "warning: " << f.text << "\n";
-    out << input << ": " << findings.size() << (findings.size() == 1 ? " warning\n" : " warnings\n");
+    size_t errors = 0;
+    for (const Finding& f : findings) {
+        const Severity s = severityOf(f.kind);
+        errors += s == Severity::Error;
+        out << severityWord(s) << ": " << f.text << "\n";
+    }
+    const size_t warnings = findings.size() - errors;
+    out << input << ": " << errors << (errors == 1 ? " error, " : " errors, ") << warnings
+        << (warnings == 1 ? " warning" : " warnings") << (errors != 0 ? " (the driver rejects the file)\n" : "\n");
     return findings.empty() ? kExitOk : kExitFindings;
 }
 

@@ -3,7 +3,6 @@
 #include <map>
 
 #include "commands.h"
-#include "file_checks.h"
 #include "header_codec.h"
 #include "param_file_image.h"
 #include "type_names.h"
@@ -68,6 +67,19 @@ void diffTable(const std::string& label, const TableEntry& a, const TableEntry& 
     }
 }
 
+bool checksumMatches(const ParsedFile& f) { return f.checksumPresent && f.storedChecksum == f.computedChecksum; }
+
+// "0x1234ABCD", "0x1234ABCD (does not match the contents: 0x...)" or "missing".
+std::string describeChecksum(const ParsedFile& f) {
+    if (!f.checksumPresent) return "missing";
+    char text[80];
+    std::snprintf(text, sizeof text, "0x%08X", static_cast<uint32_t>(f.storedChecksum));
+    if (checksumMatches(f)) return text;
+    char computed[16];
+    std::snprintf(computed, sizeof computed, "0x%08X", static_cast<uint32_t>(f.computedChecksum));
+    return std::string(text) + " (does not match the contents: " + computed + ")";
+}
+
 void diffHeader(const ParsedFile& a, const ParsedFile& b, std::vector<std::string>& out) {
     const FileHeader& ha = a.image.header;
     const FileHeader& hb = b.image.header;
@@ -84,11 +96,9 @@ void diffHeader(const ParsedFile& a, const ParsedFile& b, std::vector<std::strin
     if (a.sizeWord != b.sizeWord) {
         out.push_back("block size: " + std::to_string(a.sizeWord) + " -> " + std::to_string(b.sizeWord));
     }
-    if (a.storedChecksum != b.storedChecksum || a.checksumPresent != b.checksumPresent) {
-        char text[64];
-        std::snprintf(text, sizeof text, "checksum: 0x%08X -> 0x%08X", static_cast<uint32_t>(a.storedChecksum),
-                      static_cast<uint32_t>(b.storedChecksum));
-        out.push_back(text);
+    if (a.storedChecksum != b.storedChecksum || a.checksumPresent != b.checksumPresent ||
+        checksumMatches(a) != checksumMatches(b)) {
+        out.push_back("checksum: " + describeChecksum(a) + " -> " + describeChecksum(b));
     }
     if (a.blockTail != b.blockTail) out.push_back("incomplete last entry differs");
     if (a.afterChecksum != b.afterChecksum) {
@@ -101,17 +111,14 @@ void diffHeader(const ParsedFile& a, const ParsedFile& b, std::vector<std::strin
 }  // namespace
 
 int runDiff(const std::string& pathA, const std::string& pathB, std::ostream& out, std::ostream& err) {
-    std::string error;
-    auto a = loadParamFile(pathA, error);
-    if (!a) {
-        err << "error: " << error << "\n";
-        return kExitError;
-    }
-    auto b = loadParamFile(pathB, error);
-    if (!b) {
-        err << "error: " << error << "\n";
-        return kExitError;
-    }
+    const std::optional<LoadedParamFile> loadedA = loadParamFileFor(pathA, err);
+    const std::optional<LoadedParamFile> loadedB = loadParamFileFor(pathB, err);
+    if (!loadedA || !loadedB) return kExitError;
+    reportRejection(pathA, *loadedA, err);
+    reportRejection(pathB, *loadedB, err);
+    if (!loadedA->file || !loadedB->file) return kExitFindings;  // nothing to compare
+    const std::optional<ParsedFile>& a = loadedA->file;
+    const std::optional<ParsedFile>& b = loadedB->file;
     std::vector<std::string> diffs;
     diffHeader(*a, *b, diffs);
 

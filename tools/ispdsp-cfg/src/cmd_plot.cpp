@@ -132,12 +132,11 @@ void curvePanel(std::ostringstream& s, const TableEntry& table, double x0, doubl
 }  // namespace
 
 int runPlot(const PlotOptions& o, std::ostream& out, std::ostream& err) {
-    std::string error;
-    auto file = loadParamFile(o.input, error);
-    if (!file) {
-        err << "error: " << error << "\n";
-        return kExitError;
-    }
+    const std::optional<LoadedParamFile> loaded = loadParamFileFor(o.input, err);
+    if (!loaded) return kExitError;
+    const bool rejected = reportRejection(o.input, *loaded, err);
+    if (!loaded->file) return kExitFindings;
+    const std::optional<ParsedFile>& file = loaded->file;
     const auto type = tableTypeFromName(o.table);
     if (!type) {
         err << "error: \"" << o.table << "\" is not a PARAM_TABLE_TYPE name\n";
@@ -178,12 +177,9 @@ int runPlot(const PlotOptions& o, std::ostream& out, std::ostream& err) {
     curvePanel(s, *table, kMargin, curveTop, width - 2 * kMargin, curveH);
     s << "</svg>\n";
 
-    if (!writeTextFile(o.output, s.str(), error)) {
-        err << "error: " << error << "\n";
-        return kExitError;
-    }
-    out << o.output << ": " << o.table << " plotted\n";
-    return kExitOk;
+    if (!writeOutput(o.output, s.str(), out, err, {o.input})) return kExitError;
+    (o.output == "-" ? err : out) << o.output << ": " << o.table << " plotted\n";
+    return rejected ? kExitFindings : kExitOk;
 }
 
 }  // namespace ispcfg

@@ -41,12 +41,14 @@ std::string fallbackText(const Selection& s) {
 }  // namespace
 
 int runSelect(const SelectOptions& o, std::ostream& out, std::ostream& err) {
-    std::string error;
-    auto file = loadParamFile(o.input, error);
-    if (!file) {
-        err << "error: " << error << "\n";
-        return kExitError;
+    const std::optional<LoadedParamFile> loaded = loadParamFileFor(o.input, err);
+    if (!loaded) return kExitError;
+    if (reportRejection(o.input, *loaded, err)) {
+        err << "error: " << o.input << ": the driver loads no table set from this file, so it chooses no table\n";
+        return kExitFindings;
     }
+    const std::optional<ParsedFile>& file = loaded->file;
+    std::string error;
     auto lib = LibraryTables::load(o.input, error);
     if (!lib) {
         err << "error: " << error << "\n";

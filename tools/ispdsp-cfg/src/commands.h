@@ -1,17 +1,15 @@
-// The tool's commands. Each writes its report to `out`, problems to `err`, and returns the
-// exit status: 0 ok, 1 findings or warnings, 2 usage or hard errors.
+// The tool's commands. Each writes its report to `out`, problems to `err` ("error: ..." when
+// the driver rejects the file or the command fails, "warning: ..." when the driver loads it but
+// ignores or changes part of it), and returns the exit status of command_io.h.
 #pragma once
 
 #include <ostream>
 #include <string>
 
+#include "command_io.h"
 #include "selection_rules.h"
 
 namespace ispcfg {
-
-inline constexpr int kExitOk = 0;
-inline constexpr int kExitFindings = 1;
-inline constexpr int kExitError = 2;
 
 struct BuildOptions {
     std::string source;      // JSON source

@@ -2,6 +2,9 @@
 // dumps them back, checks them against the DSP's ranges, explains the driver's table choice,
 // compares two files and plots a table's fusion parameters.
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <iostream>
 
 #include "commands.h"
@@ -39,20 +42,39 @@ constexpr const char* kSourceFormat = R"(JSON source format:
   Values must fit their field's type; values outside the DSP's range are warnings (`check`).
   Padding bytes are written as 0, so dump/build normalise them.)";
 
-}  // namespace
+constexpr const char* kFooter = R"(Messages: "error:" the driver rejects the file (bad checksum, cut short, another version, no
+  table) or the command failed; "warning:" the driver loads the file but ignores or changes part
+  of it (a value outside its DSP range, padding, a duplicate or invalid table type).
+Exit status, for every command:
+  0  ok
+  1  the input has errors or warnings (diff: the files differ); the command still did its work
+     where it could
+  2  the command could not do its work: usage, an input that cannot be read or is another kind
+     of file, an output that cannot be written, a build refused because the driver would
+     reject the file
+An output of "-" is standard output. The JSON source format: `ispdsp-cfg build --help`.)";
 
-int main(int argc, char** argv) {
+// Every command writes its report through std::cout; a full disk or a closed pipe shows here.
+bool standardOutputWritten() {
+    std::cout.flush();
+    errno = 0;
+    if (std::cout && std::fflush(stdout) == 0 && !std::ferror(stdout)) return true;
+    std::cerr << "error: standard output: write failed" << (errno != 0 ? std::string(": ") + std::strerror(errno) : "")
+              << "\n";
+    return false;
+}
+
+int runTool(int argc, char** argv) {
     CLI::App app{"ispdsp-cfg: build, inspect and check ISP parameter files (dsp_isp_para.bin)"};
     app.require_subcommand(1);
-    app.footer(
-        "Exit status: 0 ok, 1 findings or warnings, 2 usage or hard errors.\n"
-        "The JSON source format is described by `ispdsp-cfg build --help`.");
+    app.set_version_flag("--version", "ispdsp-cfg " ISPDSP_VERSION);
+    app.footer(kFooter);
     int status = ispcfg::kExitOk;
 
     ispcfg::BuildOptions build;
     auto* buildCmd = app.add_subcommand("build", "JSON source -> binary parameter file");
     buildCmd->add_option("source", build.source, "JSON source")->required();
-    buildCmd->add_option("-o,--output", build.output, "binary parameter file to write")->required();
+    buildCmd->add_option("-o,--output", build.output, "binary parameter file to write, - for standard output")->required();
     buildCmd->add_flag("--stamp-date", build.stampDate, "set dateTime to the current UTC time");
     buildCmd->footer(kSourceFormat);
     buildCmd->callback([&] { status = ispcfg::runBuild(build, std::cout, std::cerr); });
@@ -60,7 +82,7 @@ int main(int argc, char** argv) {
     ispcfg::DumpOptions dump;
     auto* dumpCmd = app.add_subcommand("dump", "binary parameter file -> JSON source (build of it is byte-identical)");
     dumpCmd->add_option("file", dump.input, "binary parameter file")->required();
-    dumpCmd->add_option("-o,--output", dump.output, "JSON file to write (default: standard output)");
+    dumpCmd->add_option("-o,--output", dump.output, "JSON file to write (default and -: standard output)");
     dumpCmd->callback([&] { status = ispcfg::runDump(dump, std::cout, std::cerr); });
 
     std::string checkInput;
@@ -100,14 +122,28 @@ int main(int argc, char** argv) {
     auto* plotCmd = app.add_subcommand("plot", "SVG of one table's fusion parameters and NIR weight curves");
     plotCmd->add_option("file", plot.input, "binary parameter file")->required();
     plotCmd->add_option("--table", plot.table, "PARAM_TABLE_TYPE name, e.g. PARAM_MULTICOLOR")->required();
-    plotCmd->add_option("-o,--output", plot.output, "SVG file to write")->required();
+    plotCmd->add_option("-o,--output", plot.output, "SVG file to write, - for standard output")->required();
     plotCmd->callback([&] { status = ispcfg::runPlot(plot, std::cout, std::cerr); });
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
-        const int code = app.exit(e);  // prints help, or the usage error
-        return code == 0 ? ispcfg::kExitOk : ispcfg::kExitError;
+        const int code = app.exit(e);  // prints help, the version, or the usage error
+        if (code != 0) status = ispcfg::kExitError;
     }
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int status = ispcfg::kExitError;
+    try {
+        status = runTool(argc, argv);
+    } catch (const std::exception& e) {  // no input ends the tool on an exception
+        std::cerr << "error: " << e.what() << "\n";
+        status = ispcfg::kExitError;
+    }
+    if (!standardOutputWritten()) status = ispcfg::kExitError;
     return status;
 }

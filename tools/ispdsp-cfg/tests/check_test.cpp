@@ -77,7 +77,7 @@ TEST(Check, BadChecksumIsReported) {
     bytes.back() ^= 0x01;
     const RunResult r = checkImage(dir, bytes);
     EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("warning: checksum 0x"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("error: checksum 0x"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("the driver rejects the file"), std::string::npos);
 }
 
@@ -135,7 +135,7 @@ TEST(Check, WrongVersionAndPaddingAreReported) {
     image.entries[2].bytes[8817] = 1;
     const RunResult r = checkImage(dir, serializeParamFile(image));
     EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("header ver = 82981.01 (the driver reads version 82981 only)"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("error: header ver = 82981.01 (the driver reads version 82981 only: it rejects the file)"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("PARAM_HDR_MULTICOLOR padding byte at table offset 8817 = 0x01"), std::string::npos);
 }
 

@@ -144,8 +144,8 @@ TEST(Select, FileTheLibraryRejectsIsAnError) {
     SelectOptions o;
     o.input = dir.path("bad.bin");
     const RunResult r = run([&](auto& out, auto& err) { return runSelect(o, out, err); });
-    EXPECT_EQ(r.status, kExitError);
-    EXPECT_NE(r.err.find("check sum error"), std::string::npos) << r.err;
+    EXPECT_EQ(r.status, kExitFindings);
+    EXPECT_NE(r.err.find("computed (the driver rejects the file)"), std::string::npos) << r.err;
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 
 namespace ispcfg {
 namespace {
@@ -100,20 +99,6 @@ std::vector<uint8_t> serializeParamFile(const ParamFileImage& image) {
     return out;
 }
 
-bool readFileBytes(const std::string& path, std::vector<uint8_t>& bytes, std::string& error) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = path + ": cannot open: " + std::strerror(errno);
-        return false;
-    }
-    bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    if (in.bad()) {
-        error = path + ": read error";
-        return false;
-    }
-    return true;
-}
-
 bool writeFileBytes(const std::string& path, const std::vector<uint8_t>& bytes, std::string& error) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     if (!out) {
@@ -123,23 +108,10 @@ bool writeFileBytes(const std::string& path, const std::vector<uint8_t>& bytes, 
     out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     out.close();
     if (!out) {
-        error = path + ": write error";
+        error = path + ": write failed: " + std::strerror(errno);
         return false;
     }
     return true;
-}
-
-bool writeTextFile(const std::string& path, const std::string& text, std::string& error) {
-    return writeFileBytes(path, std::vector<uint8_t>(text.begin(), text.end()), error);
-}
-
-std::optional<ParsedFile> loadParamFile(const std::string& path, std::string& error) {
-    std::vector<uint8_t> bytes;
-    if (!readFileBytes(path, bytes, error)) return std::nullopt;
-    std::string why;
-    auto parsed = parseParamFile(bytes, why);
-    if (!parsed) error = path + ": " + why;
-    return parsed;
 }
 
 }  // namespace ispcfg

@@ -66,13 +66,7 @@ std::optional<ParsedFile> parseParamFile(const std::vector<uint8_t>& bytes, std:
 // The whole file: header, S = 8824 x entries, the entries, the checksum.
 std::vector<uint8_t> serializeParamFile(const ParamFileImage& image);
 
-// Whole-file I/O on host paths; false with a message naming the path.
-bool readFileBytes(const std::string& path, std::vector<uint8_t>& bytes, std::string& error);
+// Writes a whole file on a host path; false with a message naming the path.
 bool writeFileBytes(const std::string& path, const std::vector<uint8_t>& bytes, std::string& error);
-bool writeTextFile(const std::string& path, const std::string& text, std::string& error);
-
-// Reads and parses in one step (dump, diff, plot, select): damaged structure is reported by
-// the caller from the ParsedFile fields.
-std::optional<ParsedFile> loadParamFile(const std::string& path, std::string& error);
 
 }  // namespace ispcfg

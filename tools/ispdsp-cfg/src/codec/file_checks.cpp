@@ -23,6 +23,25 @@ std::string rangeFinding(const std::string& table, const FieldDef& f, int step, 
 
 }  // namespace
 
+Severity severityOf(FindingKind kind) {
+    switch (kind) {
+        case FindingKind::Truncated:
+        case FindingKind::Checksum:
+        case FindingKind::Version:
+        case FindingKind::NoTables: return Severity::Error;
+        default: return Severity::Warning;
+    }
+}
+
+const char* severityWord(Severity severity) { return severity == Severity::Error ? "error" : "warning"; }
+
+bool hasErrors(const Findings& findings) {
+    for (const Finding& f : findings) {
+        if (severityOf(f.kind) == Severity::Error) return true;
+    }
+    return false;
+}
+
 bool versionMatches(uint32_t verBits) {
     // Same comparison as the driver: |a - b| in single precision, compared in double.
     const float diff = std::fabs(floatFromBits(verBits) - floatFromBits(kExpectedVersionBits));
@@ -45,24 +64,24 @@ Findings structureFindings(const ParsedFile& f) {
     Findings out;
     const uint64_t room = f.fileLength - kFileOverhead;
     if (f.sizeWord > room) {
-        out.push_back({FindingKind::Structure,
+        out.push_back({FindingKind::Truncated,
                        "block size " + std::to_string(f.sizeWord) + " exceeds the file: only " + std::to_string(room) +
                            " bytes fit between the size word and a checksum (the driver rejects the file)"});
     }
     if (f.sizeWord % kEntryBytes != 0) {
-        out.push_back({FindingKind::Structure,
+        out.push_back({FindingKind::IncompleteEntry,
                        "block size " + std::to_string(f.sizeWord) + " is not a whole multiple of " +
                            std::to_string(kEntryBytes) + ": trailing incomplete entry of " +
                            std::to_string(f.sizeWord % kEntryBytes) + " bytes (the driver refuses to register it)"});
     } else if (!f.blockTail.empty()) {
-        out.push_back({FindingKind::Structure, "the block ends inside entry " + std::to_string(f.image.entries.size()) +
+        out.push_back({FindingKind::Truncated, "the block ends inside entry " + std::to_string(f.image.entries.size()) +
                                                    " (" + std::to_string(f.blockTail.size()) + " of " +
                                                    std::to_string(kEntryBytes) + " bytes present)"});
     }
     if (!f.checksumPresent) {
-        out.push_back({FindingKind::Structure, "checksum word missing (the file ends inside the block)"});
+        out.push_back({FindingKind::Checksum, "checksum word missing (the file ends inside the block)"});
     } else if (f.storedChecksum != f.computedChecksum) {
-        out.push_back({FindingKind::Structure, "checksum " + hex32(static_cast<uint32_t>(f.storedChecksum)) +
+        out.push_back({FindingKind::Checksum, "checksum " + hex32(static_cast<uint32_t>(f.storedChecksum)) +
                                                    " stored, " + hex32(static_cast<uint32_t>(f.computedChecksum)) +
                                                    " computed (the driver rejects the file)"});
     }
@@ -73,7 +92,7 @@ Findings headerFindings(const FileHeader& h) {
     Findings out;
     if (!versionMatches(h.verBits)) {
         out.push_back({FindingKind::Version,
-                       "header ver = " + describeFloat(h.verBits) + " (the driver reads version 82981 only)"});
+                       "header ver = " + describeFloat(h.verBits) + " (the driver reads version 82981 only: it rejects the file)"});
     }
     return out;
 }
@@ -81,7 +100,7 @@ Findings headerFindings(const FileHeader& h) {
 Findings tableFindings(const std::vector<TableEntry>& entries) {
     Findings out;
     if (entries.empty())
-        out.push_back({FindingKind::NoTables, "the block holds no tables: the driver can choose none"});
+        out.push_back({FindingKind::NoTables, "the block holds no tables (the driver rejects a file of 112 bytes, and can choose no table from an empty block)"});
     const std::vector<std::string> labels = tableLabels(entries);
     std::map<int32_t, size_t> first;
     for (size_t i = 0; i < entries.size(); ++i) {

@@ -9,13 +9,21 @@
 
 namespace ispcfg {
 
-enum class FindingKind { Structure, Version, TableType, NoTables, Range, Padding };
+enum class FindingKind { Truncated, Checksum, IncompleteEntry, Version, NoTables, TableType, Range, Padding };
 
 struct Finding {
     FindingKind kind;
     std::string text;
 };
 using Findings = std::vector<Finding>;
+
+// An error: the driver rejects the file (or can choose no table from it). A warning: the driver
+// loads the file but ignores or changes part of it.
+enum class Severity { Warning, Error };
+Severity severityOf(FindingKind kind);
+const char* severityWord(Severity severity);  // "error", "warning"
+// True when any finding is an error.
+bool hasErrors(const Findings& findings);
 
 // Size word, block length, incomplete entry, checksum.
 Findings structureFindings(const ParsedFile& file);

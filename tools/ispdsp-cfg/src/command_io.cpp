@@ -1,0 +1,64 @@
+#include "command_io.h"
+
+#include <filesystem>
+
+#include "input_file.h"
+
+namespace ispcfg {
+
+using ispdsp::tools::FileKind;
+
+std::optional<LoadedParamFile> loadParamFileFor(const std::string& path, std::ostream& err) {
+    const ispdsp::tools::InputFile in = ispdsp::tools::readInputFileOfKind(path, FileKind::ParamFile);
+    if (!in.ok()) {
+        err << "error: " << in.error << "\n";
+        return std::nullopt;
+    }
+    LoadedParamFile loaded;
+    loaded.file = parseParamFile(in.bytes, loaded.tooShort);
+    if (loaded.file) {
+        for (Finding& f : structureFindings(*loaded.file)) {
+            if (severityOf(f.kind) == Severity::Error) loaded.errors.push_back(std::move(f));
+        }
+        for (Finding& f : headerFindings(loaded.file->image.header)) loaded.errors.push_back(std::move(f));
+    }
+    return loaded;
+}
+
+bool reportRejection(const std::string& path, const LoadedParamFile& loaded, std::ostream& err) {
+    if (!loaded.file) err << "error: " << path << ": " << loaded.tooShort << "\n";
+    for (const Finding& f : loaded.errors) err << "error: " << path << ": " << f.text << "\n";
+    return loaded.rejected();
+}
+
+std::optional<std::string> loadJsonSourceFor(const std::string& path, std::ostream& err) {
+    const ispdsp::tools::InputFile in = ispdsp::tools::readInputFileOfKind(path, FileKind::JsonText);
+    if (!in.ok()) {
+        err << "error: " << in.error << "\n";
+        return std::nullopt;
+    }
+    return std::string(in.bytes.begin(), in.bytes.end());
+}
+
+bool writeOutput(const std::string& path, const std::string& bytes, std::ostream& out, std::ostream& err,
+                 const std::vector<std::string>& inputs) {
+    if (path == "-") {
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        return true;
+    }
+    for (const std::string& input : inputs) {
+        std::error_code ec;  // a path that does not exist yet is no input
+        if (std::filesystem::equivalent(path, input, ec)) {
+            err << "error: " << path << ": is the input file " << input << "; not overwritten\n";
+            return false;
+        }
+    }
+    std::string error;
+    if (!writeFileBytes(path, std::vector<uint8_t>(bytes.begin(), bytes.end()), error)) {
+        err << "error: " << error << "\n";
+        return false;
+    }
+    return true;
+}
+
+}  // namespace ispcfg
