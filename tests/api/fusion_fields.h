@@ -2,13 +2,10 @@
 // typed access to them by layout, for the fusion tests.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <string>
 
 #include "ispdsp/fusion.h"
 
@@ -62,14 +59,6 @@ inline void writeField(const FieldModel& f, void* record, int32_t v) {
     } else {
         *p = uint8_t(v);
     }
-}
-
-inline const FieldModel& fieldNamed(const std::string& name) {
-    for (const FieldModel& f : kFields) {
-        if (name == f.name) return f;
-    }
-    ADD_FAILURE() << "no field " << name;
-    return kFields[0];
 }
 
 }  // namespace fusion_test
