@@ -1,391 +1,218 @@
-// The RLR table file through the public ABI: identity reading, comparison,
-// table read/write and the loader's choice between the custom file and its flash copy.
+// The RLR table file through the public ABI: identity and tables of generated
+// files of every length around 229 and 768 bytes, the loader's choice between
+// the custom file and its flash copy over a matrix of both files and buffers,
+// the comparison's first-difference line and the exact failures.
 #include "ispdsp/rlr.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "ispdsp/osa.h"
-#include "ispdsp_host/host.h"
 #include "support/log_capture.h"
+#include "support/mem_guard.h"
 #include "support/sandbox.h"
 
 namespace {
 
-using ispdsp_test::LogCapture;
-using ispdsp_test::LogLine;
-using ispdsp_test::Sandbox;
+using ispdsp_test::LogKind;
 
 constexpr const char* kCustom = "/var/custom/rlr_para.bin";
 constexpr const char* kFlash = "/mnt/mtd/3A/rlr_para.bin";
-constexpr const char* kFlashDir = "/mnt/mtd/3A";
-constexpr size_t kTables = 768;
+constexpr size_t kTables = 768, kInfoFromEnd = 229;
 
-struct Identity {
-    uint8_t version[3];
-    uint8_t date[6];
-};
-
-// An RLR file of `length` bytes: table byte n is (n * 7 + seed) & 0xFF, the
-// identity sits at length - 229 (inside the tables for a 768-byte file).
-std::vector<uint8_t> rlrFile(size_t length, const Identity& id, uint8_t seed) {
+// Byte n is n * 7 + seed; the identity (3 version, 6 date bytes) lies at length - 229.
+std::vector<uint8_t> rlrFile(size_t length, uint8_t seed) {
     std::vector<uint8_t> bytes(length);
     for (size_t n = 0; n < length; ++n) bytes[n] = static_cast<uint8_t>(n * 7 + seed);
-    if (length >= 229) {
-        std::memcpy(&bytes[length - 229], id.version, 3);
-        std::memcpy(&bytes[length - 226], id.date, 6);
-    }
     return bytes;
 }
 
-constexpr Identity kIdA = {{1, 2, 3}, {23, 5, 6, 7, 8, 9}};
-
-uint64_t liveBlocks() {
-    ispdsp_host_mem_stats stats{};
-    ispdsp_host_get_mem_stats(&stats);
-    return stats.live_blocks;
+// The first 768 bytes a read leaves in a buffer that held `fill`: the file's bytes, then `fill`.
+std::vector<uint8_t> tablesAfterRead(const std::vector<uint8_t>& file, uint8_t fill) {
+    std::vector<uint8_t> t(file.begin(), file.begin() + static_cast<long>(std::min(file.size(), kTables)));
+    t.resize(kTables, fill);
+    return t;
 }
 
-bool endsWith(const std::string& text, const std::string& tail) {
-    return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
-}
-
-// Lines at (level, category) that are exactly `text`.
-size_t countExact(const LogCapture& log, int level, int category, const std::string& text) {
-    size_t n = 0;
-    for (const LogLine& line : log.lines()) n += line.level == level && line.category == category && line.text == text;
-    return n;
-}
-// Error lines "[DSP_DRV] ERROR  (<function>|<line>): <message>", whatever the line number.
-size_t countError(const LogCapture& log, const std::string& function, const std::string& message) {
-    size_t n = 0;
-    for (const LogLine& line : log.lines())
-        n += line.level == 0 && line.category == 1 && line.text.rfind("[DSP_DRV] ERROR  (" + function + "|", 0) == 0 &&
-             endsWith(line.text, "): " + message);
-    return n;
-}
-size_t countWarn(const LogCapture& log, const std::string& function, const std::string& message) {
-    size_t n = 0;
-    for (const LogLine& line : log.lines())
-        n += line.level == 1 && line.category == 8 && line.text.rfind("[DSP_DRV] WARN  (" + function + "|", 0) == 0 &&
-             endsWith(line.text, "): " + message);
-    return n;
-}
-
-std::string refreshLine() {
-    return std::string("[DSP_DRV] get rlr table info ") + kFlash + " is failed,read from " + kCustom + ".\n";
-}
-std::string fromFlashLine() { return std::string("[DSP_DRV] get rlr table info ") + kFlash + " is OK.\n"; }
-std::string readOkLine(const char* path) { return std::string("[DSP_DRV] get ") + path + " rlr cfg OK.\n"; }
-std::string writeOkLine(const char* path) { return std::string("[DSP_DRV] write ") + path + " rlr cfg OK.\n"; }
-std::string shortReadLine(const char* path) {
-    return std::string("[DSP_DRV] WARN  : read ") + path + " RLR table info failed\n";
-}
-
-std::vector<uint8_t> tablesOf(const void* buffer) {
-    const auto* p = static_cast<const uint8_t*>(buffer);
-    return std::vector<uint8_t>(p, p + kTables);
-}
-std::vector<uint8_t> head(const std::vector<uint8_t>& bytes, size_t n) {
-    return std::vector<uint8_t>(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(n));
-}
-
-class RlrTest : public ::testing::Test {
+class Rlr : public ::testing::Test {
 protected:
-    void SetUp() override { blocksBefore_ = liveBlocks(); }
-    void TearDown() override {
-        ispdsp_host_fail_alloc_after(0);
-        if (allocated_ != nullptr) OSA_memUFree(allocated_);
-        EXPECT_EQ(liveBlocks(), blocksBefore_) << "the loader leaked its temporary record";
-    }
-    // Loads into a null pointer; the buffer handed out is released at the end of the test.
-    Int32 loadAllocating() {
-        Ptr p = nullptr;
-        const Int32 ret = DRV_loadRlrCfg(&p);
-        allocated_ = p;
-        return ret;
-    }
-
-    Sandbox sandbox_;
-    LogCapture log_;
-    uint64_t blocksBefore_ = 0;
-    Ptr allocated_ = nullptr;
+    ispdsp_test::Sandbox sandbox;
+    ispdsp_test::LogCapture log;
 };
 
-// ---------------------------------------------------------------- loader decisions
-
-TEST_F(RlrTest, MissingCustomFileFailsWithoutAllocating) {
-    sandbox_.makeDir(kFlashDir);
-    Ptr p = nullptr;
-    EXPECT_EQ(DRV_loadRlrCfg(&p), -1);
-    EXPECT_EQ(p, nullptr);
-    EXPECT_EQ(countError(log_, "CFG_aewGetRlrCfgInfo", std::string("Open ") + kCustom + " file failed\n"), 1u);
-    EXPECT_EQ(countError(log_, "DRV_loadRlrCfg", "Get RlrCfgInfo is failed!\n"), 1u);
-    EXPECT_EQ(log_.count(kFlash), 0u);  // the flash copy is not even looked at
-    EXPECT_FALSE(sandbox_.exists(kFlash));
-}
-
-TEST_F(RlrTest, CustomFileShorterThanIdentityFails) {
-    sandbox_.writeFile(kCustom, rlrFile(228, kIdA, 1));
-    Ptr p = nullptr;
-    EXPECT_EQ(DRV_loadRlrCfg(&p), -1);
-    EXPECT_EQ(p, nullptr);
-    EXPECT_EQ(countExact(log_, 1, 8,
-                         std::string("[DSP_DRV] WARN  : read ") + kCustom + " RLR table info failed,fseek failed !\n"),
-              1u);
-    EXPECT_EQ(countError(log_, "DRV_loadRlrCfg", "Get RlrCfgInfo is failed!\n"), 1u);
-}
-
-TEST_F(RlrTest, MissingFlashCopyIsCreatedFromCustomFile) {
-    const std::vector<uint8_t> custom = rlrFile(1024, kIdA, 3);
-    sandbox_.writeFile(kCustom, custom);
-    sandbox_.makeDir(kFlashDir);
-
-    ASSERT_EQ(loadAllocating(), 0);
-    ASSERT_NE(allocated_, nullptr);
-    EXPECT_EQ(tablesOf(allocated_), head(custom, kTables));
-    EXPECT_EQ(sandbox_.readFile(kFlash), head(custom, kTables));
-
-    EXPECT_EQ(countExact(log_, 2, 8,
-                         std::string("[DSP_DRV] version_num->1.2.3, data->2023/5/6 7:8:9. ") + kCustom + "\n"),
-              1u);
-    EXPECT_EQ(countError(log_, "CFG_aewGetRlrCfgInfo", std::string("Open ") + kFlash + " file failed\n"), 1u);
-    EXPECT_EQ(countExact(log_, 2, 9, "[DSP_DRV] CFG_cmpRlrCfgInfo:tableSize:0.00 tableSize:1024.00 \n"), 1u);
-    EXPECT_EQ(countExact(log_, 2, 9, refreshLine()), 1u);
-    EXPECT_EQ(countExact(log_, 2, 9, readOkLine(kCustom)), 1u);
-    EXPECT_EQ(countExact(log_, 2, 9, writeOkLine(kFlash)), 1u);
-}
-
-// The copy holds only the 768 table bytes, so its identity (read at 539) never
-// matches a longer custom file: every load refreshes it.
-TEST_F(RlrTest, CopyOfLongerCustomFileIsRefreshedEveryLoad) {
-    const std::vector<uint8_t> custom = rlrFile(1024, kIdA, 3);
-    sandbox_.writeFile(kCustom, custom);
-    sandbox_.writeFile(kFlash, rlrFile(2000, kIdA, 9));  // an older, longer copy: cut to 768 by the write
-
-    for (int round = 0; round < 2; ++round) {
-        log_.clear();
-        ASSERT_EQ(loadAllocating(), 0);
-        EXPECT_EQ(countExact(log_, 2, 9, refreshLine()), 1u) << round;
-        EXPECT_EQ(countExact(log_, 2, 9, writeOkLine(kFlash)), 1u) << round;
-        EXPECT_EQ(sandbox_.readFile(kFlash), head(custom, kTables)) << round;
-        OSA_memUFree(allocated_);
-        allocated_ = nullptr;
-    }
-    EXPECT_EQ(countExact(log_, 2, 9, "[DSP_DRV] CFG_cmpRlrCfgInfo:tableSize:768.00 tableSize:1024.00 \n"), 1u);
-}
-
-TEST_F(RlrTest, MatchingCopyOf768ByteFileIsReadFromFlash) {
-    // Same length and identity bytes (539..547), different day tables: the
-    // buffer shows which file was read.
-    std::vector<uint8_t> custom = rlrFile(kTables, kIdA, 3);
-    std::vector<uint8_t> flash = custom;
-    for (size_t n = 0; n < 256; ++n) flash[n] = static_cast<uint8_t>(~custom[n]);
-    sandbox_.writeFile(kCustom, custom);
-    sandbox_.writeFile(kFlash, flash);
-
-    ASSERT_EQ(loadAllocating(), 0);
-    EXPECT_EQ(tablesOf(allocated_), flash);
-    EXPECT_EQ(sandbox_.readFile(kFlash), flash);  // not rewritten
-    EXPECT_EQ(countExact(log_, 2, 9, fromFlashLine()), 1u);
-    EXPECT_EQ(countExact(log_, 2, 9, readOkLine(kFlash)), 1u);
-    EXPECT_EQ(log_.count("CFG_cmpRlrCfgInfo"), 0u);
-    EXPECT_EQ(log_.count("write "), 0u);
-    EXPECT_EQ(log_.count("version_num->"), 2u);
-}
-
-// Identity readable, tables not: the copy is still written from whatever the buffer holds.
-// A caller's buffer is kept and filled in place.
-TEST_F(RlrTest, ShortCustomFileStillWritesCopy) {
-    const std::vector<uint8_t> custom = rlrFile(500, kIdA, 5);
-    sandbox_.writeFile(kCustom, custom);
-    sandbox_.makeDir(kFlashDir);
-
-    std::vector<uint8_t> caller(kTables, 0xEE);
-    Ptr p = caller.data();
-    ASSERT_EQ(DRV_loadRlrCfg(&p), 0);
-    EXPECT_EQ(p, caller.data());
-
-    std::vector<uint8_t> expected = custom;      // the bytes read so far...
-    expected.resize(kTables, 0xEE);              // ...then the caller's old content
-    EXPECT_EQ(caller, expected);
-    EXPECT_EQ(sandbox_.readFile(kFlash), expected);
-    EXPECT_EQ(countExact(log_, 1, 8, shortReadLine(kCustom)), 1u);
-    EXPECT_EQ(countExact(log_, 2, 9, writeOkLine(kFlash)), 1u);
-}
-
-TEST_F(RlrTest, ShortCustomFileIntoAllocatedBufferPadsWithZeros) {
-    const std::vector<uint8_t> custom = rlrFile(300, kIdA, 5);
-    sandbox_.writeFile(kCustom, custom);
-    sandbox_.makeDir(kFlashDir);
-    ASSERT_EQ(loadAllocating(), 0);
-    std::vector<uint8_t> expected = custom;
-    expected.resize(kTables, 0);
-    EXPECT_EQ(sandbox_.readFile(kFlash), expected);
-}
-
-TEST_F(RlrTest, UnwritableCopyDoesNotChangeResult) {
-    const std::vector<uint8_t> custom = rlrFile(1024, kIdA, 3);
-    sandbox_.writeFile(kCustom, custom);  // no /mnt/mtd/3A folder: the write cannot open
-    ASSERT_EQ(loadAllocating(), 0);
-    EXPECT_EQ(tablesOf(allocated_), head(custom, kTables));
-    EXPECT_EQ(countError(log_, "CFG_aewWriteRlrCfg", std::string("Open ") + kFlash + " file failed\n"), 1u);
-    EXPECT_EQ(log_.count("write "), 0u);
-}
-
-TEST_F(RlrTest, OnlyFirstDifferenceIsLogged) {
-    const Identity flashId = {{1, 5, 3}, {23, 5, 6, 7, 1, 9}};  // versionNum[1] and data[4] differ
-    sandbox_.writeFile(kCustom, rlrFile(1024, kIdA, 3));
-    sandbox_.writeFile(kFlash, rlrFile(1024, flashId, 3));
-    ASSERT_EQ(loadAllocating(), 0);
-    EXPECT_EQ(log_.count("CFG_cmpRlrCfgInfo:"), 1u);
-    // The flash copy's value comes first.
-    EXPECT_EQ(countExact(log_, 2, 9, "[DSP_DRV] CFG_cmpRlrCfgInfo:versionNum[i]:5.00 versionNum[i]:2.00 \n"), 1u);
-    EXPECT_EQ(countExact(log_, 2, 9, refreshLine()), 1u);
-}
-
-struct LoaderAllocCase {
-    uint64_t failingCall;  // 1: temporary info record, 2: table buffer
-    const char* warning;
-};
-
-class RlrAllocTest : public RlrTest, public ::testing::WithParamInterface<LoaderAllocCase> {};
-
-TEST_P(RlrAllocTest, FailedAllocationFailsTheLoad) {
-    sandbox_.writeFile(kCustom, rlrFile(1024, kIdA, 3));
-    sandbox_.makeDir(kFlashDir);
-    ispdsp_host_fail_alloc_after(GetParam().failingCall);
-    Ptr p = nullptr;
-    EXPECT_EQ(DRV_loadRlrCfg(&p), -1);
-    EXPECT_EQ(p, nullptr);
-    EXPECT_EQ(countWarn(log_, "DRV_loadRlrCfg", GetParam().warning), 1u);
-    EXPECT_FALSE(sandbox_.exists(kFlash));
-}
-
-INSTANTIATE_TEST_SUITE_P(Allocations, RlrAllocTest,
-                         ::testing::Values(LoaderAllocCase{1, "Failed to malloc memory for cfg_rlrtableinfo\n"},
-                                           LoaderAllocCase{2, "Failed to malloc memory for cfg_rlrtableparam\n"}),
-                         [](const ::testing::TestParamInfo<LoaderAllocCase>& info) {
-                             return info.param.failingCall == 1 ? "InfoRecord" : "TableBuffer";
-                         });
-
-// ---------------------------------------------------------------- comparison
-
-struct CmpCase {
-    size_t byteOffset;  // byte of the info record changed in the second record (-1: none)
-    const char* line;   // expected difference line, nullptr when equal
-};
-
-class RlrCmpTest : public ::testing::TestWithParam<CmpCase> {};
-
-TEST_P(RlrCmpTest, FirstDifferenceLine) {
-    CFG_RlrTableInfo a = {};
-    a.tableSize = 1024;
-    std::memcpy(a.versionNum, kIdA.version, 3);
-    std::memcpy(a.data, kIdA.date, 6);
-    CFG_RlrTableInfo b = a;
-    const CmpCase& c = GetParam();
-    if (c.byteOffset < sizeof(b)) reinterpret_cast<uint8_t*>(&b)[c.byteOffset] += 100;
-
-    LogCapture log;
-    const Int32 same = CFG_cmpRlrCfgInfo(&a, &b);
-    if (c.line == nullptr) {
-        EXPECT_NE(same, 0);
-        EXPECT_TRUE(log.lines().empty());
-    } else {
-        EXPECT_EQ(same, 0);
-        ASSERT_EQ(log.lines().size(), 1u);
-        EXPECT_EQ(log.lines()[0].text, c.line);
-        EXPECT_EQ(log.lines()[0].level, 2);
-        EXPECT_EQ(log.lines()[0].category, 9);
+TEST_F(Rlr, IdentityAndTablesOfFilesOfEveryLength) {
+    for (size_t length : {0u, 1u, 228u, 229u, 230u, 500u, 767u, 768u, 769u, 1024u, 4096u}) {
+        SCOPED_TRACE(length);
+        const std::vector<uint8_t> file = rlrFile(length, static_cast<uint8_t>(length));
+        sandbox.writeFile(kCustom, file);
+        log.clear();
+        CFG_RlrTableInfo info;
+        std::memset(&info, 0xA5, sizeof info);
+        ASSERT_EQ(CFG_aewGetRlrCfgInfo(kCustom, &info), length >= kInfoFromEnd ? 0 : -1);
+        if (length < kInfoFromEnd) {
+            EXPECT_EQ(log.count("[DSP_DRV] WARN  : read /var/custom/rlr_para.bin RLR table info failed,fseek failed !\n"), 1u);
+        } else {
+            const uint8_t* id = &file[length - kInfoFromEnd];
+            EXPECT_EQ(info.tableSize, length);
+            EXPECT_EQ(std::memcmp(info.versionNum, id, 3), 0);
+            EXPECT_EQ(std::memcmp(info.data, id + 3, 6), 0);
+            EXPECT_EQ(info.reserved[0] & info.reserved[1] & info.reserved[2], 0xA5);  // never written
+            char line[160];
+            std::snprintf(line, sizeof line, "version_num->%d.%d.%d, data->%d/%d/%d %d:%d:%d. %s\n", id[0], id[1], id[2],
+                          id[3] + 2000, id[4], id[5], id[6], id[7], id[8], kCustom);
+            EXPECT_EQ(log.count("[DSP_DRV] " + std::string(line)), 1u) << line;
+        }
+        log.clear();
+        CFG_RlrTableParam tables;
+        std::memset(&tables, 0xEE, sizeof tables);
+        ASSERT_EQ(CFG_aewReadRlrCfg(kCustom, &tables), length >= kTables ? 0 : -1);
+        EXPECT_EQ(std::vector<uint8_t>(tables.pDayTable, tables.pDayTable + kTables), tablesAfterRead(file, 0xEE));
+        EXPECT_EQ(log.count("[DSP_DRV] WARN  : read /var/custom/rlr_para.bin RLR table info failed\n"), length < kTables ? 1u : 0u);
+        EXPECT_EQ(log.count("[DSP_DRV] get /var/custom/rlr_para.bin rlr cfg OK.\n"), length < kTables ? 0u : 1u);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Parts, RlrCmpTest,
-    ::testing::Values(CmpCase{size_t(-1), nullptr},
-                      // reserved bytes are not compared
-                      CmpCase{13, nullptr}, CmpCase{15, nullptr},
-                      CmpCase{0, "[DSP_DRV] CFG_cmpRlrCfgInfo:tableSize:1024.00 tableSize:1124.00 \n"},
-                      CmpCase{4, "[DSP_DRV] CFG_cmpRlrCfgInfo:versionNum[i]:1.00 versionNum[i]:101.00 \n"},
-                      CmpCase{6, "[DSP_DRV] CFG_cmpRlrCfgInfo:versionNum[i]:3.00 versionNum[i]:103.00 \n"},
-                      CmpCase{7, "[DSP_DRV] CFG_cmpRlrCfgInfo:data[i]:23.00 data[i]:123.00 \n"},
-                      CmpCase{12, "[DSP_DRV] CFG_cmpRlrCfgInfo:data[i]:9.00 data[i]:109.00 \n"}),
-                         [](const ::testing::TestParamInfo<CmpCase>& info) {
-        return info.param.byteOffset < 64 ? "Byte" + std::to_string(info.param.byteOffset) : std::string("Equal");
-    });
+// The flash copy as found before the load.
+enum class Flash { NoFolder, Missing, SameIdentity, OtherIdentity, LibraryCopy };
 
-TEST(RlrCmp, SizesArePrintedInSinglePrecision) {
-    CFG_RlrTableInfo a = {};
-    CFG_RlrTableInfo b = {};
-    a.tableSize = 16777217;  // not representable as a single: rounds to 16777216
-    b.tableSize = 3;
-    LogCapture log;
-    EXPECT_EQ(CFG_cmpRlrCfgInfo(&a, &b), 0);
-    EXPECT_TRUE(log.contains("[DSP_DRV] CFG_cmpRlrCfgInfo:tableSize:16777216.00 tableSize:3.00 \n"));
+TEST_F(Rlr, LoaderReadsTheFlashCopyOnlyWhenBothIdentitiesAgree) {
+    for (size_t length : {228u, 500u, 768u, 1024u}) {
+        for (Flash flash : {Flash::NoFolder, Flash::Missing, Flash::SameIdentity, Flash::OtherIdentity, Flash::LibraryCopy}) {
+            for (bool callerBuffer : {false, true}) {
+                SCOPED_TRACE(testing::Message() << length << " bytes, flash " << int(flash) << ", caller buffer " << callerBuffer);
+                sandbox.remove("/mnt");
+                const std::vector<uint8_t> custom = rlrFile(length, 3);
+                sandbox.writeFile(kCustom, custom);
+                std::vector<uint8_t> copy = custom;  // SameIdentity: other day table, same identity
+                for (size_t n = 0; n < std::min<size_t>(256, length); ++n) copy[n] = static_cast<uint8_t>(~copy[n]);
+                if (flash == Flash::OtherIdentity && length >= kInfoFromEnd) copy[length - kInfoFromEnd + 4] ^= 1;
+                if (flash == Flash::LibraryCopy) copy = tablesAfterRead(custom, 0);
+                if (flash == Flash::Missing) sandbox.makeDir("/mnt/mtd/3A");
+                if (flash >= Flash::SameIdentity) sandbox.writeFile(kFlash, copy);
+                const bool fromFlash = length >= kInfoFromEnd && flash >= Flash::SameIdentity && copy.size() == length &&
+                                       std::equal(copy.end() - kInfoFromEnd, copy.end() - kInfoFromEnd + 9,
+                                                  custom.end() - kInfoFromEnd);
+
+                std::vector<uint8_t> caller(kTables, 0xEE);
+                Ptr p = callerBuffer ? caller.data() : nullptr;
+                log.clear();
+                ispdsp_test::MemGuard mem(false);
+                ASSERT_EQ(DRV_loadRlrCfg(&p), length >= kInfoFromEnd ? 0 : -1);
+                EXPECT_EQ(mem.liveBlocks(), length >= kInfoFromEnd && !callerBuffer ? 1 : 0);  // the temporary record is freed
+                if (length < kInfoFromEnd) {
+                    EXPECT_EQ(p, callerBuffer ? caller.data() : nullptr);
+                    EXPECT_TRUE(log.has(LogKind::Error, "DRV_loadRlrCfg", "Get RlrCfgInfo is failed!\n"));
+                    EXPECT_EQ(sandbox.exists(kFlash), flash >= Flash::SameIdentity);
+                    continue;
+                }
+                ASSERT_EQ(p == caller.data(), callerBuffer);
+                const std::vector<uint8_t> want = tablesAfterRead(fromFlash ? copy : custom, callerBuffer ? 0xEE : 0);
+                EXPECT_EQ(std::vector<uint8_t>(static_cast<uint8_t*>(p), static_cast<uint8_t*>(p) + kTables), want);
+                if (fromFlash || flash == Flash::NoFolder) {
+                    EXPECT_EQ(sandbox.exists(kFlash) ? sandbox.readFile(kFlash) : std::vector<uint8_t>{},
+                              flash == Flash::NoFolder ? std::vector<uint8_t>{} : copy);
+                } else {
+                    EXPECT_EQ(sandbox.readFile(kFlash), want);  // refreshed from the custom file
+                }
+                EXPECT_EQ(log.count("[DSP_DRV] get rlr table info /mnt/mtd/3A/rlr_para.bin is OK.\n"), fromFlash ? 1u : 0u);
+                EXPECT_EQ(log.count("[DSP_DRV] get rlr table info /mnt/mtd/3A/rlr_para.bin is failed,read from "
+                                    "/var/custom/rlr_para.bin.\n"),
+                          fromFlash ? 0u : 1u);
+                EXPECT_EQ(log.count(LogKind::Error, "CFG_aewWriteRlrCfg", "Open /mnt/mtd/3A/rlr_para.bin file failed\n"),
+                          flash == Flash::NoFolder ? 1u : 0u);
+                if (!callerBuffer) OSA_memUFree(p);
+            }
+        }
+    }
 }
 
-TEST(RlrCmp, NullRecordNeverMatches) {
-    CFG_RlrTableInfo a = {};
-    LogCapture log;
+TEST(RlrCmp, OnlyTheFirstDifferenceIsLoggedInSinglePrecision) {
+    CFG_RlrTableInfo a = {1024, {1, 2, 3}, {23, 5, 6, 7, 8, 9}, {0, 0, 0}};
+    const struct {
+        size_t byte;  // byte of the second record changed by +100 (and byte 8 by +1 too)
+        const char* line;
+    } cases[] = {{13, nullptr},
+                 {15, nullptr},  // reserved bytes are not compared
+                 {0, "tableSize:1024.00 tableSize:1124.00 \n"},
+                 {4, "versionNum[i]:1.00 versionNum[i]:101.00 \n"},
+                 {6, "versionNum[i]:3.00 versionNum[i]:103.00 \n"},
+                 {7, "data[i]:23.00 data[i]:123.00 \n"},
+                 {12, "data[i]:9.00 data[i]:109.00 \n"}};
+    for (const auto& c : cases) {
+        CFG_RlrTableInfo b = a;
+        reinterpret_cast<uint8_t*>(&b)[c.byte] += 100;
+        if (c.byte < 8) reinterpret_cast<uint8_t*>(&b)[8] += 1;  // a later difference is not reported
+        ispdsp_test::LogCapture log;
+        EXPECT_EQ(CFG_cmpRlrCfgInfo(&a, &b) != 0, c.line == nullptr) << c.byte;
+        EXPECT_EQ(log.texts(), c.line ? std::vector<std::string>{"[DSP_DRV] CFG_cmpRlrCfgInfo:" + std::string(c.line)}
+                                      : std::vector<std::string>{});
+    }
+    CFG_RlrTableInfo big = a;
+    big.tableSize = 16777217;  // rounds to 16777216 in single precision
+    ispdsp_test::LogCapture log;
+    EXPECT_EQ(CFG_cmpRlrCfgInfo(&big, &a), 0);
+    EXPECT_TRUE(log.contains("[DSP_DRV] CFG_cmpRlrCfgInfo:tableSize:16777216.00 tableSize:1024.00 \n"));
     EXPECT_EQ(CFG_cmpRlrCfgInfo(nullptr, &a), 0);
     EXPECT_EQ(CFG_cmpRlrCfgInfo(&a, nullptr), 0);
-    EXPECT_EQ(countError(log, "CFG_cmpRlrCfgInfo", "Input NULL POINT rlrTable3AInfo!\n"), 1u);
-    EXPECT_EQ(countError(log, "CFG_cmpRlrCfgInfo", "Input NULL POINT rlrTablePackInfo!\n"), 1u);
+    EXPECT_TRUE(log.has(LogKind::Error, "CFG_cmpRlrCfgInfo", "Input NULL POINT rlrTable3AInfo!\n"));
+    EXPECT_TRUE(log.has(LogKind::Error, "CFG_cmpRlrCfgInfo", "Input NULL POINT rlrTablePackInfo!\n"));
 }
 
-// ---------------------------------------------------------------- single functions
-
-TEST_F(RlrTest, IdentityOfFile) {
-    sandbox_.writeFile(kCustom, rlrFile(4096, {{9, 0, 255}, {0, 12, 31, 23, 59, 0}}, 0));
-    CFG_RlrTableInfo info;
-    std::memset(&info, 0xA5, sizeof(info));
-    ASSERT_EQ(CFG_aewGetRlrCfgInfo(kCustom, &info), 0);
-    EXPECT_EQ(info.tableSize, 4096u);
-    EXPECT_EQ(info.versionNum[2], 255);
-    EXPECT_EQ(info.data[1], 12);
-    EXPECT_EQ(info.reserved[0], 0xA5);  // never written
-    EXPECT_EQ(countExact(log_, 2, 8,
-                         std::string("[DSP_DRV] version_num->9.0.255, data->2000/12/31 23:59:0. ") + kCustom + "\n"),
-              1u);
-}
-
-TEST_F(RlrTest, NullPathsAndArguments) {
-    CFG_RlrTableInfo info = {};
-    CFG_RlrTableParam tables = {};
-    EXPECT_EQ(CFG_aewGetRlrCfgInfo(nullptr, &info), -1);
-    EXPECT_EQ(countError(log_, "CFG_aewGetRlrCfgInfo", "read cfg file is failed\n"), 1u);
-    EXPECT_EQ(CFG_aewWriteRlrCfg(nullptr, &tables), -1);
-    EXPECT_EQ(countError(log_, "CFG_aewWriteRlrCfg", "cfg_file_path is NULL\n"), 1u);
-    EXPECT_EQ(CFG_aewReadRlrCfg(nullptr, &tables), -1);
-    EXPECT_EQ(CFG_aewReadRlrCfg(kCustom, nullptr), -1);
-    EXPECT_EQ(countError(log_, "CFG_aewReadRlrCfg", "Input NULL POINT cfg_file_path!\n"), 1u);
-    EXPECT_EQ(countError(log_, "CFG_aewReadRlrCfg", "Input NULL POINT cfg_rlrtableparam!\n"), 1u);
-    EXPECT_EQ(DRV_loadRlrCfg(nullptr), -1);
-    EXPECT_EQ(countError(log_, "DRV_loadRlrCfg", "Input NULL POINT cfg_rlrtableparam!\n"), 1u);
-}
-
-TEST_F(RlrTest, WriteThenReadRoundTrip) {
-    sandbox_.makeDir(kFlashDir);
-    CFG_RlrTableParam out{};
+TEST_F(Rlr, WriteReadRoundTripAndExactFailures) {
+    sandbox.makeDir("/mnt/mtd/3A");
+    CFG_RlrTableParam out{}, in{};
     for (size_t n = 0; n < 256; ++n) {
         out.pDayTable[n] = static_cast<Uint8>(n);
         out.pDuskTable[n] = static_cast<Uint8>(255 - n);
         out.pNightTable[n] = static_cast<Uint8>(n ^ 0x5A);
     }
+    sandbox.writeFile(kFlash, std::vector<uint8_t>(2000, 1));  // a longer old copy is cut to 768
     ASSERT_EQ(CFG_aewWriteRlrCfg(kFlash, &out), 0);
-    EXPECT_EQ(sandbox_.readFile(kFlash).size(), kTables);
-    CFG_RlrTableParam in{};
+    EXPECT_EQ(sandbox.readFile(kFlash), std::vector<uint8_t>(out.pDayTable, out.pDayTable + kTables));
     ASSERT_EQ(CFG_aewReadRlrCfg(kFlash, &in), 0);
-    EXPECT_EQ(std::memcmp(&in, &out, sizeof(in)), 0);
-    EXPECT_EQ(countExact(log_, 2, 9, writeOkLine(kFlash)), 1u);
-    EXPECT_EQ(countExact(log_, 2, 9, readOkLine(kFlash)), 1u);
+    EXPECT_EQ(std::memcmp(&in, &out, sizeof in), 0);
+    EXPECT_TRUE(log.contains("[DSP_DRV] write /mnt/mtd/3A/rlr_para.bin rlr cfg OK.\n"));
 
+    CFG_RlrTableInfo info{};
+    EXPECT_EQ(CFG_aewGetRlrCfgInfo(nullptr, &info), -1);
+    EXPECT_EQ(CFG_aewGetRlrCfgInfo(kCustom, nullptr), -1);
+    EXPECT_EQ(CFG_aewGetRlrCfgInfo(kCustom, &info), -1);
+    EXPECT_EQ(CFG_aewReadRlrCfg(nullptr, &in), -1);
+    EXPECT_EQ(CFG_aewReadRlrCfg(kFlash, nullptr), -1);
     EXPECT_EQ(CFG_aewReadRlrCfg("/var/custom/none.bin", &in), -1);
-    EXPECT_EQ(countError(log_, "CFG_aewReadRlrCfg", "Open /var/custom/none.bin file failed\n"), 1u);
+    EXPECT_EQ(CFG_aewWriteRlrCfg(nullptr, &out), -1);
+    EXPECT_EQ(CFG_aewWriteRlrCfg(kFlash, nullptr), -1);
+    EXPECT_EQ(CFG_aewWriteRlrCfg("/none/rlr.bin", &out), -1);
+    EXPECT_EQ(DRV_loadRlrCfg(nullptr), -1);
+    for (const auto& [function, message] : std::vector<std::pair<const char*, std::string>>{
+             {"CFG_aewGetRlrCfgInfo", "read cfg file is failed\n"},
+             {"CFG_aewGetRlrCfgInfo", "Input NULL POINT rlrTableInfo!\n"},
+             {"CFG_aewGetRlrCfgInfo", "Open /var/custom/rlr_para.bin file failed\n"},
+             {"CFG_aewReadRlrCfg", "Input NULL POINT cfg_file_path!\n"},
+             {"CFG_aewReadRlrCfg", "Input NULL POINT cfg_rlrtableparam!\n"},
+             {"CFG_aewReadRlrCfg", "Open /var/custom/none.bin file failed\n"},
+             {"CFG_aewWriteRlrCfg", "cfg_file_path is NULL\n"},
+             {"CFG_aewWriteRlrCfg", "Input NULL POINT cfg_rlrtableparam!\n"},
+             {"CFG_aewWriteRlrCfg", "Open /none/rlr.bin file failed\n"},
+             {"DRV_loadRlrCfg", "Input NULL POINT cfg_rlrtableparam!\n"}}) {
+        EXPECT_EQ(log.count(LogKind::Error, function, message), 1u) << function << ": " << message;
+    }
+
+    // A pipe cannot seek to its end. The writer end is held open so that opening it does not wait.
+    sandbox.makeDir("/var/custom");
+    ASSERT_EQ(mkfifo(sandbox.hostPath(kCustom).c_str(), 0600), 0);
+    const int writer = open(sandbox.hostPath(kCustom).c_str(), O_RDWR | O_NONBLOCK);
+    EXPECT_EQ(CFG_aewGetRlrCfgInfo(kCustom, &info), -1);
+    close(writer);
+    EXPECT_TRUE(log.has(LogKind::Error, "CFG_aewGetRlrCfgInfo", "seek /var/custom/rlr_para.bin file to end failed\n"));
 }
 
 }  // namespace
