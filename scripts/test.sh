@@ -4,7 +4,8 @@
 # a configure, build or test step fails in either.
 # Then the robustness runs: sanitize (build/sanitize, every test under
 # AddressSanitizer and UndefinedBehaviorSanitizer), tsan (build/tsan, the
-# concurrency test under ThreadSanitizer) and fuzz (build/fuzz, each libFuzzer
+# concurrency tests under ThreadSanitizer, with the forbidden overlap as the
+# negative case) and fuzz (build/fuzz, each libFuzzer
 # target for ISPDSP_FUZZ_SECONDS, default 15 s; scripts/fuzz.sh).
 set -uo pipefail
 
@@ -64,7 +65,7 @@ run_flavour sanitize -DCMAKE_BUILD_TYPE=Debug -DISPDSP_SANITIZE=address,undefine
     -DISPDSP_BUILD_TOOLS=OFF -DISPDSP_BUILD_BENCH=OFF || status=1
 summary[sanitize]+=" ($((SECONDS - started))s)"
 
-# ThreadSanitizer: the library and the concurrency test only.
+# ThreadSanitizer: the library and the robust suite's concurrency tests only.
 run_tsan() {
     local dir="$root/build/tsan"
     echo "=== tsan: configure and build in $dir"
@@ -73,11 +74,11 @@ run_tsan() {
         summary[tsan]="configure FAILED"
         return 1
     fi
-    if ! cmake --build "$dir" -j "$jobs" --target ispdsp_concurrency_tests; then
+    if ! cmake --build "$dir" -j "$jobs" --target ispdsp_robust_tests; then
         summary[tsan]="build FAILED"
         return 1
     fi
-    ctest --test-dir "$dir" --output-on-failure -R '^robust_concurrency_tsan$' --timeout 600 2>&1 | tee "$dir/ctest.log"
+    ctest --test-dir "$dir" --output-on-failure -R '^robust_concurrency_' --timeout 600 2>&1 | tee "$dir/ctest.log"
     local rc=${PIPESTATUS[0]}
     summary[tsan]=$(sed -n -e '/tests passed/p' -e '/^The following tests FAILED/,$p' "$dir/ctest.log")
     return "$rc"

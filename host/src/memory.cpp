@@ -68,7 +68,14 @@ void* allocate(Uint32 size, Uint32 align) {
 
 extern "C" {
 
-Ptr OSA_memUAllocAlign(Uint32 size, Uint32 align) { return allocate(size, align); }
+// Not zeros: code that relies on an uncleared block shows up in every run.
+Ptr OSA_memUAllocAlign(Uint32 size, Uint32 align) {
+    void* block = allocate(size, align);
+    if (block != nullptr) {
+        std::memset(block, 0xA5, size);
+    }
+    return block;
+}
 
 Ptr OSA_memUCallocAlign(Uint32 size, Uint32 align) {
     void* block = allocate(size, align);

@@ -1,5 +1,6 @@
-// The reference host layer that every other test stands on: sandboxed files,
-// seek/tell/fgets semantics, counted memory with fault injection, log sinks.
+// The reference host layer that every other test stands on: sandboxed and
+// in-memory files, seek/tell/fgets semantics, counted handles and memory with
+// fault injection, log sinks, and the support library's log matcher.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -16,19 +17,17 @@
 
 namespace {
 
-using ispdsp_test::FailAllocAfter;
-using ispdsp_test::LimitFileReads;
-using ispdsp_test::LogCapture;
-using ispdsp_test::MemGuard;
-using ispdsp_test::Sandbox;
+using namespace ispdsp_test;
 
 struct OpenFile {
     OSA_FileHandle h = nullptr;
     OpenFile(const char* path, Int32 mode) { EXPECT_EQ(OSA_fileOpen(path, mode, &h), 0) << path; }
-    ~OpenFile() {
-        if (h != nullptr) {
-            OSA_fileClose(h);
-        }
+    ~OpenFile() { EXPECT_EQ(h != nullptr ? OSA_fileClose(h) : 0, 0); }
+    std::string readAll(size_t chunk) {
+        std::string out(256, '\0');
+        size_t got = 0;
+        for (Int32 n; (n = OSA_fileRead(h, out.data() + got, static_cast<Uint32>(chunk))) > 0;) got += n;
+        return out.substr(0, got);
     }
 };
 
@@ -40,77 +39,60 @@ TEST(HostFiles, AbsolutePathsLiveUnderTheSandboxRoot) {
         EXPECT_EQ(OSA_fileWrite(out.h, "abc", 3), 3);
     }
     EXPECT_EQ(sandbox.readText("/var/tmp/out.bin"), "abc");
-
     char resolved[256];
     ASSERT_EQ(ispdsp_host_resolve_path("/var/tmp/out.bin", resolved, sizeof resolved), 0);
     EXPECT_EQ(std::string(resolved), sandbox.hostPath("/var/tmp/out.bin"));
     ASSERT_EQ(ispdsp_host_resolve_path("relative.txt", resolved, sizeof resolved), 0);
     EXPECT_STREQ(resolved, "relative.txt");
     EXPECT_EQ(ispdsp_host_resolve_path("/var/tmp/out.bin", resolved, 4), -1);
-}
-
-TEST(HostFiles, EmptyRootLeavesPathsAlone) {
-    Sandbox sandbox;
-    setenv("ISPDSP_ROOT", "", 1);  // the sandbox puts the old value back
-    char resolved[64];
+    setenv("ISPDSP_ROOT", "", 1);  // an empty root leaves paths alone (the sandbox puts the old value back)
     ASSERT_EQ(ispdsp_host_resolve_path("/var/tmp/x", resolved, sizeof resolved), 0);
     EXPECT_STREQ(resolved, "/var/tmp/x");
 }
 
-TEST(HostFiles, OpenFailuresLeaveANullHandle) {
+TEST(HostFiles, FailedOpensLeaveANullHandleAndCountNothing) {
     Sandbox sandbox;
-    OSA_FileHandle h = reinterpret_cast<OSA_FileHandle>(1);
-    EXPECT_EQ(OSA_fileOpen("/missing/file", OSA_FILE_MODE_READ, &h), -1);
-    EXPECT_EQ(h, nullptr);
-    EXPECT_EQ(OSA_fileOpen("/no/such/dir/file", OSA_FILE_MODE_WRITE, &h), -1);
     sandbox.writeFile("/f", "x");
-    EXPECT_EQ(OSA_fileOpen("/f", 7, &h), -1);
-    EXPECT_EQ(OSA_fileOpen(nullptr, OSA_FILE_MODE_READ, &h), -1);
+    const uint64_t before = openFiles();
+    const struct {
+        const char* path;
+        Int32 mode;
+    } cases[] = {{"/missing/file", OSA_FILE_MODE_READ}, {"/no/dir/file", OSA_FILE_MODE_WRITE}, {"/f", 7}, {nullptr, 0}};
+    for (const auto& c : cases) {
+        OSA_FileHandle h = reinterpret_cast<OSA_FileHandle>(1);
+        EXPECT_EQ(OSA_fileOpen(c.path, c.mode, &h), -1);
+        EXPECT_EQ(h, nullptr);
+    }
     EXPECT_EQ(OSA_fileOpen("/f", OSA_FILE_MODE_READ, nullptr), -1);
+    EXPECT_EQ(openFiles(), before);
+    {
+        OpenFile in("/f", OSA_FILE_MODE_READ);
+        EXPECT_EQ(openFiles(), before + 1);
+    }
+    EXPECT_EQ(openFiles(), before);
 }
 
-TEST(HostFiles, WriteModeTruncates) {
-    Sandbox sandbox;
-    sandbox.writeFile("/t.bin", "0123456789");
-    { OpenFile out("/t.bin", OSA_FILE_MODE_WRITE); }
-    EXPECT_TRUE(sandbox.readFile("/t.bin").empty());
-}
-
-struct SeekCase {
-    Int32 start;  // position before the seek (from the start)
-    Int32 offset;
-    Int32 whence;
-    Int32 result;
-    Uint32 position;  // after the call; unchanged on failure
-};
-
-class HostSeek : public ::testing::TestWithParam<SeekCase> {};
-
-TEST_P(HostSeek, MovesOrFailsWithoutMoving) {
-    const SeekCase c = GetParam();
+// Seeks from a start position: the result and the position after (unchanged on failure).
+TEST(HostFiles, SeekMovesOrFailsWithoutMoving) {
     Sandbox sandbox;
     sandbox.writeFile("/ten.bin", "0123456789");
+    const struct {
+        Int32 start, offset, whence, result;
+        Uint32 position;
+    } cases[] = {{0, 4, OSA_SEEK_SET, 0, 4},   {3, -1, OSA_SEEK_SET, -1, 3}, {4, 2, OSA_SEEK_CUR, 0, 6},
+                 {4, -4, OSA_SEEK_CUR, 0, 0},  {4, -5, OSA_SEEK_CUR, -1, 4}, {0, 0, OSA_SEEK_END, 0, 10},
+                 {0, -10, OSA_SEEK_END, 0, 0}, {2, -11, OSA_SEEK_END, -1, 2}, {0, 20, OSA_SEEK_SET, 0, 20},
+                 {5, 0, 3, -1, 5}};
     OpenFile in("/ten.bin", OSA_FILE_MODE_READ);
-    ASSERT_EQ(OSA_fileSeek(in.h, c.start, OSA_SEEK_SET), 0);
-    EXPECT_EQ(OSA_fileSeek(in.h, c.offset, c.whence), c.result);
-    Uint32 position = 0xFFFFFFFFu;
-    ASSERT_EQ(OSA_fileTell(in.h, &position), 0);
-    EXPECT_EQ(position, c.position);
+    for (const auto& c : cases) {
+        SCOPED_TRACE("case " + std::to_string(&c - cases));
+        ASSERT_EQ(OSA_fileSeek(in.h, c.start, OSA_SEEK_SET), 0);
+        EXPECT_EQ(OSA_fileSeek(in.h, c.offset, c.whence), c.result);
+        Uint32 position = 0xFFFFFFFFu;
+        ASSERT_EQ(OSA_fileTell(in.h, &position), 0);
+        EXPECT_EQ(position, c.position);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Table, HostSeek,
-                         ::testing::Values(SeekCase{0, 4, OSA_SEEK_SET, 0, 4}, SeekCase{3, -1, OSA_SEEK_SET, -1, 3},
-                                           SeekCase{4, 2, OSA_SEEK_CUR, 0, 6}, SeekCase{4, -4, OSA_SEEK_CUR, 0, 0},
-                                           SeekCase{4, -5, OSA_SEEK_CUR, -1, 4}, SeekCase{0, 0, OSA_SEEK_END, 0, 10},
-                                           SeekCase{0, -10, OSA_SEEK_END, 0, 0}, SeekCase{2, -11, OSA_SEEK_END, -1, 2},
-                                           SeekCase{0, 20, OSA_SEEK_SET, 0, 20}, SeekCase{5, 0, 3, -1, 5}),
-                         [](const ::testing::TestParamInfo<SeekCase>& info) {
-                             const char* whence = info.param.whence == OSA_SEEK_SET   ? "Set"
-                                                  : info.param.whence == OSA_SEEK_CUR ? "Cur"
-                                                  : info.param.whence == OSA_SEEK_END ? "End"
-                                                                                      : "BadWhence";
-                             return std::to_string(info.index) + "_" + whence + (info.param.result == 0 ? "" : "_fails");
-                         });
 
 TEST(HostFiles, FgetsDeliversLinesInPiecesThenFails) {
     Sandbox sandbox;
@@ -118,63 +100,74 @@ TEST(HostFiles, FgetsDeliversLinesInPiecesThenFails) {
     OpenFile in("/lines.txt", OSA_FILE_MODE_READ);
     char buffer[8];
     std::vector<std::string> got;
-    while (OSA_fgets(buffer, 4, in.h) == 0) {
-        got.emplace_back(buffer);
-    }
+    while (OSA_fgets(buffer, 4, in.h) == 0) got.emplace_back(buffer);
     EXPECT_EQ(got, (std::vector<std::string>{"ab\n", "cde", "fgh", "\n", "las", "t"}));
-    EXPECT_EQ(OSA_fgets(buffer, 4, in.h), -1);
     EXPECT_EQ(OSA_fgets(buffer, 0, in.h), -1);
     EXPECT_EQ(OSA_fgets(nullptr, 4, in.h), -1);
 }
 
-TEST(HostFiles, ReadLimitMakesReadsComeUpShort) {
+// The read limit cuts OSA_fileRead and OSA_fgets alike, for every file or one path.
+TEST(HostFiles, ReadLimitCutsFilesOpenedWhileItIsSet) {
     Sandbox sandbox;
     sandbox.writeFile("/ten.bin", "0123456789");
-    LimitFileReads limit(6);
-    OpenFile in("/ten.bin", OSA_FILE_MODE_READ);
+    sandbox.writeFile("/other.bin", "0123456789");
     char buffer[16];
-    EXPECT_EQ(OSA_fileRead(in.h, buffer, 4), 4);
-    EXPECT_EQ(OSA_fileRead(in.h, buffer, 4), 2);
-    EXPECT_EQ(OSA_fileRead(in.h, buffer, 4), 0);
+    {
+        LimitFileReads limit(6);
+        OpenFile in("/ten.bin", OSA_FILE_MODE_READ);
+        EXPECT_EQ(OSA_fileRead(in.h, buffer, 4), 4);
+        EXPECT_EQ(OSA_fgets(buffer, 16, in.h), 0);
+        EXPECT_STREQ(buffer, "45");
+        EXPECT_EQ(OSA_fgets(buffer, 16, in.h), -1);
+    }
+    LimitFileReads limit(3, "/other.bin");
+    OpenFile whole("/ten.bin", OSA_FILE_MODE_READ), cut("/other.bin", OSA_FILE_MODE_READ);
+    EXPECT_EQ(whole.readAll(4), "0123456789");
+    EXPECT_EQ(cut.readAll(4), "012");
 }
 
-TEST(HostMemory, CallocZeroFillsAndCountsEveryBlock) {
+TEST(HostFiles, MemoryFilesAreFoundByPathWithoutDisk) {
+    ispdsp_host_use_memory_files(1);
+    ASSERT_EQ(ispdsp_host_put_memory_file("/var/tmp/a.bin", "0123456789", 10), 0);
+    ASSERT_EQ(ispdsp_host_put_memory_file("/empty", nullptr, 0), 0);
+    EXPECT_EQ(ispdsp_host_memory_file_size("/missing"), -1);
+    OSA_FileHandle h = nullptr;
+    EXPECT_EQ(OSA_fileOpen("/missing", OSA_FILE_MODE_READ, &h), -1);
+    {
+        OpenFile in("/var/tmp/a.bin", OSA_FILE_MODE_READ), empty("/empty", OSA_FILE_MODE_READ);
+        Uint32 size = 0;
+        EXPECT_EQ(OSA_fileSeek(in.h, 0, OSA_SEEK_END), 0);
+        EXPECT_EQ(OSA_fileTell(in.h, &size), 0);
+        EXPECT_EQ(size, 10u);
+        EXPECT_EQ(OSA_fileSeek(in.h, -4, OSA_SEEK_END), 0);
+        EXPECT_EQ(in.readAll(3), "6789");
+        EXPECT_EQ(empty.readAll(3), "");
+        OpenFile out("/var/tmp/a.bin", OSA_FILE_MODE_WRITE);  // truncates at open, stored at close
+        EXPECT_EQ(ispdsp_host_memory_file_size("/var/tmp/a.bin"), 0);
+        EXPECT_EQ(OSA_fileWrite(out.h, "xyz", 3), 3);
+    }
+    EXPECT_EQ(ispdsp_host_memory_file_size("/var/tmp/a.bin"), 3);
+    ispdsp_host_use_memory_files(0);
+    EXPECT_EQ(ispdsp_host_memory_file_size("/var/tmp/a.bin"), -1) << "switching empties the store";
+}
+
+TEST(HostMemory, BlocksAreCountedFilledAndAligned) {
     MemGuard guard;
     const Uint32 size = 4099;
     auto* dirty = static_cast<unsigned char*>(OSA_memUAllocAlign(size, 0));
-    ASSERT_NE(dirty, nullptr);
-    std::memset(dirty, 0xA5, size);
-    OSA_memUFree(dirty);
-    auto* block = static_cast<unsigned char*>(OSA_memUCallocAlign(size, 0));
-    ASSERT_NE(block, nullptr);
-    EXPECT_EQ(guard.liveBlocks(), 1);
-    EXPECT_EQ(guard.liveBytes(), size);
-    for (Uint32 i = 0; i < size; ++i) {
-        ASSERT_EQ(block[i], 0) << "byte " << i;
-    }
-    EXPECT_EQ(OSA_memUFree(block), 0);
-    EXPECT_EQ(OSA_memUFree(nullptr), 0);
-    EXPECT_EQ(guard.allocCalls(), 2u);
-    EXPECT_EQ(guard.freeCalls(), 2u);
-}
-
-TEST(HostMemory, ZeroSizeBlocksAreUniqueAndMustBeFreed) {
-    MemGuard guard;
-    void* a = OSA_memUAllocAlign(0, 0);
-    void* b = OSA_memUCallocAlign(0, 0);
-    ASSERT_NE(a, nullptr);
-    ASSERT_NE(b, nullptr);
-    EXPECT_NE(a, b);
+    auto* clean = static_cast<unsigned char*>(OSA_memUCallocAlign(size, 0));
+    ASSERT_TRUE(dirty != nullptr && clean != nullptr);
     EXPECT_EQ(guard.liveBlocks(), 2);
-    OSA_memUFree(a);
-    OSA_memUFree(b);
-}
-
-TEST(HostMemory, AlignmentIsHonouredOrRefused) {
-    MemGuard guard;
+    EXPECT_EQ(guard.liveBytes(), 2 * size);
+    for (Uint32 i = 0; i < size; ++i) ASSERT_EQ(dirty[i] + clean[i], 0xA5) << "byte " << i;
+    void* empty[2] = {OSA_memUAllocAlign(0, 0), OSA_memUCallocAlign(0, 0)};  // unique, counted, freed
+    EXPECT_TRUE(empty[0] != nullptr && empty[1] != nullptr && empty[0] != empty[1]);
+    for (void* p : {static_cast<void*>(dirty), static_cast<void*>(clean), empty[0], empty[1], static_cast<void*>(nullptr)})
+        EXPECT_EQ(OSA_memUFree(p), 0);
+    EXPECT_EQ(guard.allocCalls(), 4u);
+    EXPECT_EQ(guard.freeCalls(), 4u);
     for (Uint32 align : {0u, 8u, 16u, 64u, 4096u}) {
         void* p = OSA_memUAllocAlign(100, align);
-        ASSERT_NE(p, nullptr) << align;
         EXPECT_EQ(reinterpret_cast<uintptr_t>(p) % (align > 16 ? align : 16), 0u) << align;
         OSA_memUFree(p);
     }
@@ -183,48 +176,42 @@ TEST(HostMemory, AlignmentIsHonouredOrRefused) {
 
 TEST(HostMemory, FailAllocAfterFailsExactlyTheNthCall) {
     MemGuard guard;
-    {
-        FailAllocAfter fail(2);
-        void* first = OSA_memUAllocAlign(8, 0);
-        void* second = OSA_memUCallocAlign(8, 0);
-        void* third = OSA_memUAllocAlign(8, 0);
-        EXPECT_NE(first, nullptr);
-        EXPECT_EQ(second, nullptr);
-        EXPECT_NE(third, nullptr);
-        EXPECT_EQ(guard.allocCalls(), 3u);
-        EXPECT_EQ(guard.liveBlocks(), 2);
-        OSA_memUFree(first);
-        OSA_memUFree(third);
-    }
-    void* after = OSA_memUAllocAlign(8, 0);
-    EXPECT_NE(after, nullptr);
-    OSA_memUFree(after);
+    FailAllocAfter fail(2);
+    void* blocks[3] = {OSA_memUAllocAlign(8, 0), OSA_memUCallocAlign(8, 0), OSA_memUAllocAlign(8, 0)};
+    EXPECT_TRUE(blocks[0] != nullptr && blocks[1] == nullptr && blocks[2] != nullptr);
+    for (void* p : blocks) OSA_memUFree(p);
 }
 
-TEST(HostLog, SinkGetsWholeLinesAndNestedCapturesRestore) {
+TEST(HostLog, SinksNestAndTheDefaultPrefixesTheLevel) {
     LogCapture outer;
     {
         LogCapture inner;
-        const std::string long_text(5000, 'x');
-        OSA_logWrite(0, 1, "[DSP_DRV] ERROR  (%s|%d): %s\n", "fn", 42, long_text.c_str());
-        ASSERT_EQ(inner.lines().size(), 1u);
-        EXPECT_EQ(inner.lines()[0].level, 0);
-        EXPECT_EQ(inner.lines()[0].category, 1);
-        EXPECT_EQ(inner.texts()[0], "[DSP_DRV] ERROR  (fn|42): " + long_text + "\n");
-        EXPECT_EQ(inner.count("fn|42"), 1u);
+        const std::string longText(5000, 'x');
+        OSA_logWrite(0, 1, "[DSP_DRV] ERROR  (%s|%d): %s\n", "fn", 42, longText.c_str());
+        ASSERT_EQ(inner.texts(), std::vector<std::string>{"[DSP_DRV] ERROR  (fn|42): " + longText + "\n"});
     }
     EXPECT_TRUE(outer.lines().empty());
-    OSA_logWrite(2, 2, "[DSP_DRV] after %d\n", 1);
-    EXPECT_TRUE(outer.contains("after 1"));
-    outer.clear();
-    EXPECT_FALSE(outer.contains("after"));
-}
-
-TEST(HostLog, DefaultSinkPrefixesTheLevelOnStderr) {
-    ::testing::internal::CaptureStderr();
+    ispdsp_host_set_log_sink(nullptr, nullptr);
+    testing::internal::CaptureStderr();
     OSA_logWrite(1, 8, "warn %d\n", 7);
     OSA_logWrite(2, 2, "info\n");
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "W warn 7\nI info\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "W warn 7\nI info\n");
+}
+
+// The one matcher of the driver's lines: level, category, tag, function, any line number, exact message.
+TEST(HostLog, DriverLinesMatchByKindFunctionAndMessage) {
+    const struct {
+        LogLine line;
+        bool matches;
+    } cases[] = {{{0, 1, "[DSP_DRV] ERROR  (f|12): gone\n"}, true},  {{1, 1, "[DSP_DRV] ERROR  (f|12): gone\n"}, false},
+                 {{0, 8, "[DSP_DRV] ERROR  (f|12): gone\n"}, false}, {{0, 1, "[DSP_DRV] ERROR  (f|): gone\n"}, false},
+                 {{0, 1, "[DSP_DRV] ERROR  (f|1x): gone\n"}, false}, {{0, 1, "[DSP_DRV] ERROR  (g|12): gone\n"}, false},
+                 {{0, 1, "[DSP_DRV] ERROR  (f|12): gone\r\n"}, false}, {{0, 1, "[DSP_DRV] WARN  (f|12): gone\n"}, false},
+                 {{0, 1, "ERROR  (f|12): gone\n"}, false}};
+    for (const auto& c : cases) EXPECT_EQ(isDriverLine(c.line, LogKind::Error, "f", "gone\n"), c.matches) << c.line.text;
+    EXPECT_TRUE(isDriverLine({1, 8, "[DSP_DRV] WARN  (f|3): w\n"}, LogKind::Warn, "f", "w\n"));
+    EXPECT_TRUE(isDriverLine({2, 2, "[DSP_DRV] pswitch=1\n"}, LogKind::Info, "", "pswitch=1\n"));
+    EXPECT_FALSE(isDriverLine({2, 2, "[DSP_DRV] pswitch=1\n"}, LogKind::Info, "", "pswitch=2\n"));
 }
 
 TEST(HostConcurrency, CountersAndSinkStayConsistentAcrossThreads) {
@@ -240,9 +227,7 @@ TEST(HostConcurrency, CountersAndSinkStayConsistentAcrossThreads) {
             }
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(capture.lines().size(), 800u);
     EXPECT_EQ(guard.allocCalls(), 800u);
 }

@@ -1,5 +1,12 @@
 // Captures the log lines of the driver (through the host layer's sink) for the
 // lifetime of the object; the sink that was installed before comes back at the end.
+//
+// The one way to match the driver's lines (level, category and shape checked here once):
+//   log.count(LogKind::Error, "DRV_ispCfgLoad", "open failed\n")  // "[DSP_DRV] ERROR  (DRV_ispCfgLoad|<n>): open failed\n"
+//   log.has(LogKind::Warn, "DRV_loadRlrCfg", "...")               // WARN, any source line
+//   log.count(LogKind::Info, "", "pswitch=1\n")                    // "[DSP_DRV] pswitch=1\n"
+//   log.count(LogKind::Warn)                                       // every warning
+//   log.contains("substring"), log.count("substring")              // loose matches on the text
 #pragma once
 
 #include <cstddef>
@@ -19,6 +26,13 @@ struct LogLine {
     std::string text;  // as formatted, line end included
 };
 
+// The driver's three kinds of line, each with its fixed (level, category).
+enum class LogKind { Error, Warn, Info };
+
+// True when `line` is a line of that kind: Error/Warn exactly
+// "[DSP_DRV] <KIND>  (<function>|<decimal line>): <message>", Info exactly "[DSP_DRV] <message>".
+bool isDriverLine(const LogLine& line, LogKind kind, std::string_view function, std::string_view message);
+
 class LogCapture {
 public:
     LogCapture();
@@ -28,10 +42,15 @@ public:
 
     std::vector<LogLine> lines() const;
     std::vector<std::string> texts() const;
-    // True when some captured line contains `needle`.
-    bool contains(std::string_view needle) const;
-    // Number of captured lines that contain `needle`.
+    // Lines that are isDriverLine(kind, function, message); every line of the kind without them.
+    size_t count(LogKind kind, std::string_view function, std::string_view message) const;
+    size_t count(LogKind kind) const;
+    bool has(LogKind kind, std::string_view function, std::string_view message) const {
+        return count(kind, function, message) != 0;
+    }
+    // Lines whose text contains `needle`.
     size_t count(std::string_view needle) const;
+    bool contains(std::string_view needle) const { return count(needle) != 0; }
     void clear();
 
 private:

@@ -8,7 +8,14 @@ ispdsp_host_mem_stats memStats() {
     return stats;
 }
 
-MemGuard::MemGuard(bool expectNoLeakAtEnd) : start_(memStats()), check_at_end_(expectNoLeakAtEnd) {}
+uint64_t openFiles() {
+    ispdsp_host_file_stats stats{};
+    ispdsp_host_get_file_stats(&stats);
+    return stats.open_files;
+}
+
+MemGuard::MemGuard(bool expectNoLeakAtEnd)
+    : start_(memStats()), start_files_(openFiles()), check_at_end_(expectNoLeakAtEnd) {}
 
 MemGuard::~MemGuard() {
     if (check_at_end_) {
@@ -30,10 +37,11 @@ uint64_t MemGuard::freeCalls() const { return memStats().free_calls - start_.fre
 
 ::testing::AssertionResult MemGuard::noLeak() const {
     const int64_t blocks = liveBlocks();
-    if (blocks == 0) {
+    const int64_t files = static_cast<int64_t>(openFiles() - start_files_);
+    if (blocks == 0 && files == 0) {
         return ::testing::AssertionSuccess();
     }
-    return ::testing::AssertionFailure() << blocks << " block(s) (" << liveBytes()
+    return ::testing::AssertionFailure() << files << " file(s) left open; " << blocks << " block(s) (" << liveBytes()
                                          << " bytes) still live; " << allocCalls() << " allocation(s), "
                                          << freeCalls() << " free(s) since the snapshot";
 }

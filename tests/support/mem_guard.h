@@ -1,5 +1,7 @@
-// Memory checks through the host layer's counters: a snapshot that compares
-// live blocks at the end, and scoped fault injectors for allocations and reads.
+// Memory and file checks through the host layer's counters: a snapshot that
+// compares live blocks and open files at the end, and scoped fault injectors
+// for allocations and reads. (Every test of a suite linked with the support
+// library's main also fails when it leaves a file open: see test_main.cpp.)
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,9 +13,10 @@
 namespace ispdsp_test {
 
 ispdsp_host_mem_stats memStats();
+uint64_t openFiles();  // OSA_fileOpen handles not closed yet
 
 // Snapshot of the counters; by default the destructor expects as many live
-// blocks as at construction (pass false where a block is kept on purpose).
+// blocks and open files as at construction (pass false where a block is kept on purpose).
 class MemGuard {
 public:
     explicit MemGuard(bool expectNoLeakAtEnd = true);
@@ -25,10 +28,11 @@ public:
     int64_t liveBytes() const;   // bytes gained since the snapshot
     uint64_t allocCalls() const; // allocation calls since the snapshot
     uint64_t freeCalls() const;  // free calls since the snapshot
-    ::testing::AssertionResult noLeak() const;
+    ::testing::AssertionResult noLeak() const;  // no block gained, no file left open
 
 private:
     ispdsp_host_mem_stats start_;
+    uint64_t start_files_;
     bool check_at_end_;
 };
 
@@ -41,10 +45,11 @@ public:
     FailAllocAfter& operator=(const FailAllocAfter&) = delete;
 };
 
-// Every open file delivers at most `limit` bytes through OSA_fileRead; off at the end.
+// Every file opened (or only those opened by `path`) delivers at most `limit`
+// bytes through OSA_fileRead and OSA_fgets; off at the end.
 class LimitFileReads {
 public:
-    explicit LimitFileReads(uint64_t limit) { ispdsp_host_limit_file_reads(limit); }
+    explicit LimitFileReads(uint64_t limit, const char* path = nullptr) { ispdsp_host_limit_file_reads_of(path, limit); }
     ~LimitFileReads() { ispdsp_host_limit_file_reads(UINT64_MAX); }
     LimitFileReads(const LimitFileReads&) = delete;
     LimitFileReads& operator=(const LimitFileReads&) = delete;

@@ -4,8 +4,11 @@
  *
  * - Files through stdio. Every absolute path is placed under the sandbox root
  *   named by the environment variable ISPDSP_ROOT (read at each open), so
- *   "/var/tmp/dsp_isp_para.bin" can live in a temporary folder.
- * - Memory through malloc, with counters and optional fault injection.
+ *   "/var/tmp/dsp_isp_para.bin" can live in a temporary folder; or, switched
+ *   on, files kept in memory by path (fuzzing: no disk, no sandbox).
+ *   Open handles and delivered bytes are counted.
+ * - Memory through malloc, with counters and optional fault injection; an
+ *   uncleared block is filled with 0xA5, so code that relies on zeros shows up.
  * - Log lines to stderr with their level, or to a sink that the program installs. */
 #ifndef ISPDSP_HOST_HOST_H
 #define ISPDSP_HOST_HOST_H
@@ -40,9 +43,28 @@ void ispdsp_host_get_mem_stats(ispdsp_host_mem_stats* stats);
  * NULL; 0 switches it off. */
 void ispdsp_host_fail_alloc_after(uint64_t n);
 
-/* Fault injection: every OSA_fileRead moves at most `limit` bytes in total per
- * open file (later reads come up short); UINT64_MAX switches it off. */
+/* Fault injection: OSA_fileRead and OSA_fgets deliver at most `limit` bytes in
+ * total per file opened from now on (the file looks cut there); UINT64_MAX
+ * switches it off. The _of form limits only the files opened by that driver
+ * path (NULL: every file). */
 void ispdsp_host_limit_file_reads(uint64_t limit);
+void ispdsp_host_limit_file_reads_of(const char* path, uint64_t limit);
+
+typedef struct {
+    uint64_t open_files; /* OSA_fileOpen successes not closed yet */
+    uint64_t bytes_read; /* bytes that OSA_fileRead and OSA_fgets delivered */
+} ispdsp_host_file_stats;
+
+void ispdsp_host_get_file_stats(ispdsp_host_file_stats* stats);
+
+/* In-memory files: while on (on != 0), OSA_fileOpen finds files by their path
+ * in a store kept in memory (no sandbox root, no disk); a write-mode handle
+ * replaces the file when it is closed. Each call empties the store. */
+void ispdsp_host_use_memory_files(int on);
+/* Puts (or replaces) a file of the store; 0, or -1 without a path. */
+int ispdsp_host_put_memory_file(const char* path, const void* data, size_t size);
+/* The size of a file of the store, or -1 when there is none. */
+int64_t ispdsp_host_memory_file_size(const char* path);
 
 /* Resolves a driver path into the sandbox; returns 0 or -1 when `out` is too small. */
 int ispdsp_host_resolve_path(const char* path, char* out, size_t out_size);
