@@ -24,24 +24,9 @@ constexpr const char* kCalibrationPath = "/mnt/mtd/calibration.txt";
 constexpr const char* kCalibrationText =
     "ZOOMNUM:3 REGNUM:1\nZOOM:100\n0x10 0x1\nTFORM:\nZOOM:1000\n0x10 0x2\nTFORM:\nZOOM:2000\n0x10 0x3\nTFORM:\n";
 
-void appendWord(std::vector<uint8_t>& out, uint32_t word) {
-    const auto* b = reinterpret_cast<const uint8_t*>(&word);
-    out.insert(out.end(), b, b + 4);
-}
-
-uint32_t loadWord(const uint8_t* p) {
-    uint32_t w;
-    std::memcpy(&w, p, sizeof w);
-    return w;
-}
-
 // A parameter file with a colour and a black-and-white table whose fusion
 // records hold in-range values.
 std::vector<uint8_t> makeParamFile() {
-    std::vector<uint8_t> file(104, 0);
-    const float version = 82981.0f;
-    std::memcpy(file.data(), &version, 4);
-    std::memcpy(file.data() + 4, "fuzz", 4);
     std::vector<uint8_t> block;
     for (Int32 type : {Int32{PARAM_MULTICOLOR}, Int32{PARAM_BLACKWHITE}}) {
         CFG_DspIspCfgParam table{};
@@ -54,17 +39,12 @@ std::vector<uint8_t> makeParamFile() {
             r.uv_diff_thr = 8;
             for (Int32 i = 0; i < FUSION_NIR_POINTS; ++i) r.w_nir[i] = static_cast<Uint8>((i + g) & 0xFF);
         }
-        appendWord(block, static_cast<uint32_t>(type));
-        const auto* bytes = reinterpret_cast<const uint8_t*>(&table);
+        const auto* bytes = reinterpret_cast<const uint8_t*>(&type);
+        block.insert(block.end(), bytes, bytes + 4);
+        bytes = reinterpret_cast<const uint8_t*>(&table);
         block.insert(block.end(), bytes, bytes + sizeof table);
     }
-    appendWord(file, static_cast<uint32_t>(block.size()));
-    file.insert(file.end(), block.begin(), block.end());
-    uint32_t sum = 0;
-    for (size_t i = 0; i < 104; i += 4) sum ^= loadWord(file.data() + i);
-    for (size_t i = 0; i + 4 <= block.size(); i += 4) sum ^= loadWord(block.data() + i);
-    appendWord(file, sum);
-    return file;
+    return fuzzsupport::paramFileImage(block);
 }
 
 std::string makeNirText() {
@@ -87,7 +67,7 @@ DRV_ispOpsParams g_ops;  // the host's operation table (large: kept static)
 Uint32 g_flags = 0;
 
 Int32 onFlag(const DRV_ispSetDrvFlagParam* param) {
-    fuzzhost::require(param != nullptr && param->cmdType == ISP_SET_FUSION, "unexpected flag call");
+    fuzzsupport::require(param != nullptr && param->cmdType == ISP_SET_FUSION, "unexpected flag call");
     ++g_flags;
     return 0;
 }
@@ -95,10 +75,9 @@ Int32 onFlag(const DRV_ispSetDrvFlagParam* param) {
 Int32 onDsp(DRV_dspIspCfgOpsCtrl*, Ptr) { return 0; }
 
 void consoleOnce(const std::vector<std::unique_ptr<char[]>>& args, uint64_t hash) {
-    fuzzhost::resetFiles();
-    fuzzhost::putFile(kParamPath, g_paramFile.data(), g_paramFile.size());
-    fuzzhost::putFile(kNirPath, g_nirText);
-    fuzzhost::putFile(kCalibrationPath, kCalibrationText);
+    fuzzsupport::setFiles({{kParamPath, fuzzsupport::bytesOf(g_paramFile.data(), g_paramFile.size())},
+                           {kNirPath, g_nirText},
+                           {kCalibrationPath, kCalibrationText}});
 
     DRV_ispXCreateParams create{};
     create.aewPipeId = 1;
@@ -109,7 +88,7 @@ void consoleOnce(const std::vector<std::unique_ptr<char[]>>& args, uint64_t hash
     std::memset(&g_ops, 0, sizeof g_ops);
     if (DRV_dspIspCreateX(&create, &g_ops) != 0) {
         // Only an injected fault may fail the creation, and then no instance is left.
-        fuzzhost::require(g_ops.ispXHndl == nullptr, "failed creation left an instance");
+        fuzzsupport::require(g_ops.ispXHndl == nullptr, "failed creation left an instance");
         DRV_ispReleaseRegistrateCfg(&drvRegistrateParam);
         return;
     }
@@ -121,7 +100,7 @@ void consoleOnce(const std::vector<std::unique_ptr<char[]>>& args, uint64_t hash
     g_ops.runParam.gainInterParam.gainEndIndex = kGainIndexes[(hash >> 20) % kGainCount];
     g_ops.runParam.gainInterParam.interCoff = fuzzsupport::coefficientFor(hash >> 28);
     Int32 changed = 0;
-    fuzzhost::require(g_ops.OpRefreshCfg(&g_ops, &changed) == 0, "refresh failed");
+    fuzzsupport::require(g_ops.OpRefreshCfg(&g_ops, &changed) == 0, "refresh failed");
 
     DRV_ispCmdParam cmd{};
     for (size_t i = 0; i < args.size(); ++i) cmd.argp[i].pointer = args[i].get();
@@ -135,7 +114,7 @@ void consoleOnce(const std::vector<std::unique_ptr<char[]>>& args, uint64_t hash
     }
     const Int32 langue = static_cast<Int32>((hash >> 40) % 3);
     const Int32 result = g_ops.OpSetDbgDspParam(&g_ops, &cmd, langue);
-    fuzzhost::require(result == 0 || result == -1, "unexpected console result");
+    fuzzsupport::require(result == 0 || result == -1, "unexpected console result");
 
     // Two frames of the fusion update with the pipe as its own reference and
     // the host values of this input (fusion type, zoom, standby switch, and
@@ -143,18 +122,18 @@ void consoleOnce(const std::vector<std::unique_ptr<char[]>>& args, uint64_t hash
     DRV_RefPipeParams ref{};
     ref.refXHndl = g_ops.ispXHndl;
     ref.fusionType = static_cast<Uint32>((hash >> 44) % 3);
-    fuzzhost::require(g_ops.OpSetRefPipeParams(&g_ops, &ref) == 0, "reference pipe refused");
+    fuzzsupport::require(g_ops.OpSetRefPipeParams(&g_ops, &ref) == 0, "reference pipe refused");
     static const Int32 kZooms[] = {-1, 0, 150, 999, 1000, 2500, 100000, -2147483647 - 1, 2147483647};
     DRV_ispModuleResults results{};
     results.sensorStandbyParam.pSwitch = static_cast<Uint8>(hash >> 52);
-    fuzzhost::require(g_ops.OpSetModuleResults(&g_ops, &results) == 0, "module results refused");
+    fuzzsupport::require(g_ops.OpSetModuleResults(&g_ops, &results) == 0, "module results refused");
     for (int frame = 0; frame < 2; ++frame) {
         g_ops.runParam.ptzUpdateParam.zoom = kZooms[((hash >> 56) + frame) % (sizeof kZooms / sizeof kZooms[0])];
         const Int32 fused = g_ops.OpSetFusion(&g_ops);
-        fuzzhost::require(fused == 0 || fused == -1, "unexpected fusion result");
+        fuzzsupport::require(fused == 0 || fused == -1, "unexpected fusion result");
     }
 
-    fuzzhost::require(g_ops.OpDelete(&g_ops) == 0, "delete failed");
+    fuzzsupport::require(g_ops.OpDelete(&g_ops) == 0, "delete failed");
     // The registration record outlives instances; released here so that every
     // run starts from none and the leak check sees only this run's blocks.
     DRV_ispReleaseRegistrateCfg(&drvRegistrateParam);

@@ -16,8 +16,7 @@ CFG_DSP_FusionV2722 g_records[FUSION_GAIN_STEPS];
 CFG_DSP_FusionV2722 g_before[FUSION_GAIN_STEPS];
 
 void loadOnce(const uint8_t* data, size_t size) {
-    fuzzhost::resetFiles();
-    fuzzhost::putFile(kPath, data, size);
+    fuzzsupport::setFiles({{kPath, fuzzsupport::bytesOf(data, size)}});
     for (size_t i = 0; i < sizeof g_records; ++i) reinterpret_cast<uint8_t*>(g_records)[i] = static_cast<uint8_t>(i * 7);
     std::memcpy(g_before, g_records, sizeof g_records);
 
@@ -29,15 +28,15 @@ void loadOnce(const uint8_t* data, size_t size) {
         const bool mayChange = result == 0 && (r == kStart || r == kEnd);
         if (mayChange) {
             // Only the curve changes; both records get the same one.
-            fuzzhost::require(std::memcmp(&g_records[r], &g_before[r], offsetof(CFG_DSP_FusionV2722, w_nir)) == 0,
+            fuzzsupport::require(std::memcmp(&g_records[r], &g_before[r], offsetof(CFG_DSP_FusionV2722, w_nir)) == 0,
                               "a scalar changed with the curve");
         } else {
-            fuzzhost::require(std::memcmp(&g_records[r], &g_before[r], sizeof g_records[r]) == 0,
+            fuzzsupport::require(std::memcmp(&g_records[r], &g_before[r], sizeof g_records[r]) == 0,
                               "a record changed that must not");
         }
     }
     if (result == 0) {
-        fuzzhost::require(std::memcmp(g_records[kStart].w_nir, g_records[kEnd].w_nir, FUSION_NIR_POINTS) == 0,
+        fuzzsupport::require(std::memcmp(g_records[kStart].w_nir, g_records[kEnd].w_nir, FUSION_NIR_POINTS) == 0,
                           "start and end curves differ");
     }
 }

@@ -4,6 +4,7 @@
 // path. Both are loaded into the same header and buffer, as creation does when
 // the first path fails, then the block's tables are registered, chosen for
 // every camera state and calculated.
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -18,48 +19,33 @@ constexpr size_t kSizeWordOffset = 104;
 constexpr size_t kBlockOffset = 108;
 constexpr size_t kOverhead = 112;
 
-uint32_t loadWord(const uint8_t* p) {
-    uint32_t w;
-    std::memcpy(&w, p, sizeof w);
-    return w;
-}
-
-// The input with version 82981.0, a size word that fits the file and the
-// checksum that the reader computes (XOR of header words 0..25 and of the
-// whole block words).
+// The input as a file the reader accepts, so that the fuzzer reaches the
+// tables too: version 82981.0, the input's block (its size word cut to what
+// the file holds) and the right checksum.
 std::vector<uint8_t> repaired(const uint8_t* data, size_t size) {
-    std::vector<uint8_t> file(data, data + size);
-    if (file.size() <= kOverhead) file.resize(kOverhead + 1, 0);
-    std::memcpy(file.data(), &kVersion, sizeof kVersion);
-    uint32_t blockSize = loadWord(file.data() + kSizeWordOffset);
-    if (blockSize > file.size() - kOverhead) {
-        blockSize = static_cast<uint32_t>(file.size() - kOverhead);
-        std::memcpy(file.data() + kSizeWordOffset, &blockSize, sizeof blockSize);
-    }
-    uint32_t sum = 0;
-    for (size_t i = 0; i < kSizeWordOffset; i += 4) sum ^= loadWord(file.data() + i);
-    for (size_t i = 0; i + 4 <= blockSize; i += 4) sum ^= loadWord(file.data() + kBlockOffset + i);
-    std::memcpy(file.data() + kBlockOffset + blockSize, &sum, sizeof sum);
-    return file;
+    uint32_t blockSize = 0;
+    if (size >= kOverhead) std::memcpy(&blockSize, data + kSizeWordOffset, sizeof blockSize);
+    const size_t available = size > kOverhead ? size - kOverhead : 0;
+    const uint8_t* block = data + (size > kBlockOffset ? kBlockOffset : size);
+    return fuzzsupport::paramFileImage({block, block + std::min<size_t>(blockSize, available)});
 }
 
 void loadOnce(const uint8_t* data, size_t size, const std::vector<uint8_t>& fixed, float interCoff) {
-    fuzzhost::resetFiles();
-    fuzzhost::putFile(kCommonPath, data, size);
-    fuzzhost::putFile(kPipePath, fixed.data(), fixed.size());
+    fuzzsupport::setFiles({{kCommonPath, fuzzsupport::bytesOf(data, size)},
+                           {kPipePath, fuzzsupport::bytesOf(fixed.data(), fixed.size())}});
 
     CFG_IspParamTable header{};
     Ptr buffer = nullptr;
     Int32 loaded = DRV_ispCfgLoad(kCommonPath, kVersion, &header, &buffer);
     if (loaded == 0) {
-        fuzzhost::require(header.cfg_specParam.size <= size - kOverhead, "block size beyond the file");
+        fuzzsupport::require(header.cfg_specParam.size <= size - kOverhead, "block size beyond the file");
         fuzzsupport::exerciseTables(&header, buffer, interCoff);
     }
     // The second load reuses the header and the buffer as the first left them.
     loaded = DRV_ispCfgLoad(kPipePath, kVersion, &header, &buffer);
     if (loaded == 0) {
-        fuzzhost::require(buffer != nullptr, "load succeeded without a buffer");
-        fuzzhost::require(header.cfg_specParam.size <= fixed.size() - kOverhead, "block size beyond the file");
+        fuzzsupport::require(buffer != nullptr, "load succeeded without a buffer");
+        fuzzsupport::require(header.cfg_specParam.size <= fixed.size() - kOverhead, "block size beyond the file");
         fuzzsupport::exerciseTables(&header, buffer, interCoff);
     }
     // The buffer belongs to the caller, also after a failed load.

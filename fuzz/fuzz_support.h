@@ -1,16 +1,52 @@
-// Shared parts of the fuzz targets: every input runs up to three times (as it
+// Shared parts of the fuzz targets. They run on the reference host layer
+// (libispdsp_host) with its in-memory files, its counted memory (a double free
+// aborts) and its fault injection. Every input runs up to three times (as it
 // is, with one allocation failing, with reads coming up short), and every run
-// must end without a leaked block or an open file.
+// must end without a leaked block or an open file. The driver's log lines are
+// formatted (the sanitizers see every argument) and dropped, unless
+// ISPDSP_FUZZ_LOG is set.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <initializer_list>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "ispdsp/ispdsp.h"
-#include "mem_host.h"
+#include "ispdsp_host/host.h"
+
+// The RLR writer forces its flash copy to storage; the files here live in
+// memory, and a real sync() per fuzz run would stall the whole machine.
+extern "C" void sync(void) noexcept {}
 
 namespace fuzzsupport {
+
+// Stops the run (a fuzzing finding) with a message when `ok` is false.
+inline void require(bool ok, const char* what) {
+    if (!ok) {
+        std::fprintf(stderr, "fuzz check failed: %s\n", what);
+        std::abort();
+    }
+}
+
+inline void dropLine(void*, int32_t, int32_t, const char*) {}
+
+// Empties the in-memory file store (switched on at the first call) and puts these files in it.
+inline void setFiles(std::initializer_list<std::pair<const char*, std::string_view>> files) {
+    static const bool once = [] {
+        if (std::getenv("ISPDSP_FUZZ_LOG") == nullptr) ispdsp_host_set_log_sink(dropLine, nullptr);
+        return true;
+    }();
+    (void)once;
+    ispdsp_host_use_memory_files(1);
+    for (const auto& [path, bytes] : files) ispdsp_host_put_memory_file(path, bytes.data(), bytes.size());
+}
+inline std::string_view bytesOf(const uint8_t* data, size_t size) { return {reinterpret_cast<const char*>(data), size}; }
 
 // FNV-1a of the input: picks the injected faults, so a rerun of the same
 // input injects the same ones.
@@ -20,36 +56,61 @@ inline uint64_t inputHash(const uint8_t* data, size_t size) {
     return h;
 }
 
+struct Counters {
+    uint64_t allocs, live, files, bytes;
+};
+inline Counters counters() {
+    ispdsp_host_mem_stats mem{};
+    ispdsp_host_file_stats file{};
+    ispdsp_host_get_mem_stats(&mem);
+    ispdsp_host_get_file_stats(&file);
+    return {mem.alloc_calls, mem.live_blocks, file.open_files, file.bytes_read};
+}
+
 // Runs `once` (which sets up its files and releases what the caller owns) as
 // it is, then with the k-th of its allocations failing and with the file
 // reads cut at some byte, k and the cut chosen from the input.
 template <class Run>
 void runWithFaults(const uint8_t* data, size_t size, Run&& once) {
     const uint64_t hash = inputHash(data, size);
-    const uint64_t blocksBefore = fuzzhost::liveBlocks();
-
-    fuzzhost::resetCounters();
+    const Counters before = counters();
     once();
-    fuzzhost::require(fuzzhost::liveBlocks() == blocksBefore, "blocks leaked (no fault)");
-    fuzzhost::require(fuzzhost::openHandles() == 0, "file left open (no fault)");
-    const uint64_t allocs = fuzzhost::allocCalls();
-    const uint64_t bytes = fuzzhost::bytesRead();
-
+    const Counters clean = counters();
+    require(clean.live == before.live && clean.files == before.files, "block leaked or file left open (no fault)");
+    const uint64_t allocs = clean.allocs - before.allocs;
+    const uint64_t bytes = clean.bytes - before.bytes;
     if (allocs != 0) {
-        fuzzhost::resetCounters();
-        fuzzhost::failAllocAt(1 + hash % allocs);
+        ispdsp_host_fail_alloc_after(1 + hash % allocs);
         once();
-        fuzzhost::require(fuzzhost::liveBlocks() == blocksBefore, "blocks leaked (failed allocation)");
-        fuzzhost::require(fuzzhost::openHandles() == 0, "file left open (failed allocation)");
+        ispdsp_host_fail_alloc_after(0);
+        require(counters().live == before.live && counters().files == before.files,
+                "block leaked or file left open (failed allocation)");
     }
     if (bytes != 0) {
-        fuzzhost::resetCounters();
-        fuzzhost::limitReads((hash >> 20) % bytes);
+        ispdsp_host_limit_file_reads((hash >> 20) % bytes);
         once();
-        fuzzhost::require(fuzzhost::liveBlocks() == blocksBefore, "blocks leaked (short read)");
-        fuzzhost::require(fuzzhost::openHandles() == 0, "file left open (short read)");
+        ispdsp_host_limit_file_reads(UINT64_MAX);
+        require(counters().live == before.live && counters().files == before.files,
+                "block leaked or file left open (short read)");
     }
-    fuzzhost::resetCounters();
+}
+
+// A parameter file image: the 104 header bytes (version 82981.0, the rest
+// zero), the block's size, the block and the reader's checksum (XOR of the
+// header words and of the block's whole words).
+inline std::vector<uint8_t> paramFileImage(const std::vector<uint8_t>& block) {
+    std::vector<uint8_t> file(108, 0);
+    const float version = 82981.0f;
+    const uint32_t blockSize = static_cast<uint32_t>(block.size());
+    std::memcpy(file.data(), &version, 4);
+    std::memcpy(file.data() + 104, &blockSize, 4);
+    file.insert(file.end(), block.begin(), block.end());
+    uint32_t sum = 0, word;
+    for (size_t i = 0; i < 104; i += 4) sum ^= (std::memcpy(&word, file.data() + i, 4), word);
+    for (size_t i = 0; i + 4 <= block.size(); i += 4) sum ^= (std::memcpy(&word, block.data() + i, 4), word);
+    file.resize(file.size() + 4);
+    std::memcpy(file.data() + file.size() - 4, &sum, 4);
+    return file;
 }
 
 // True when [p, p + n) lies inside [begin, begin + size).
@@ -76,12 +137,12 @@ inline void calculateTable(const CFG_DspIspCfgParam& table, float interCoff) {
     colour.fusionParam.w_nir = curves[0];
     mono.fusionParam.w_nir = curves[1];
     both.fusionParam.w_nir = curves[2];
-    fuzzhost::require(DRV_dspCalculateFusion(&fusionIn, &colour) == 0, "fusion calculation failed");
+    require(DRV_dspCalculateFusion(&fusionIn, &colour) == 0, "fusion calculation failed");
     gain.gainStartIndex = 15;
     gain.gainEndIndex = 0;
-    fuzzhost::require(DRV_dspCalculateFusion(&fusionIn, &mono) == 0, "fusion calculation failed");
+    require(DRV_dspCalculateFusion(&fusionIn, &mono) == 0, "fusion calculation failed");
     DSP_DoubleFusionCalculateParam pair{0, &colour, &mono};
-    fuzzhost::require(DRV_dspDoubleCalculateFusion(&pair, &both) == 0, "double fusion calculation failed");
+    require(DRV_dspDoubleCalculateFusion(&pair, &both) == 0, "double fusion calculation failed");
 
 #define CALC(Name, Ver, field, member)                         \
     {                                                          \
@@ -124,7 +185,7 @@ inline void exerciseTables(CFG_IspParamTable* header, Ptr block, float interCoff
     bool calculated[PARAM_TABLE_TYPE_NUM] = {};
     for (Int32 type = 0; type < PARAM_TABLE_TYPE_NUM; ++type) {
         if (set.paramTables[type] != nullptr) {
-            fuzzhost::require(inside(set.paramTables[type], sizeof(CFG_DspIspCfgParam), block, blockSize),
+            require(inside(set.paramTables[type], sizeof(CFG_DspIspCfgParam), block, blockSize),
                               "registered table reaches outside the block");
         }
     }
@@ -139,7 +200,7 @@ inline void exerciseTables(CFG_IspParamTable* header, Ptr block, float interCoff
                     condition.sceneMode = sceneMode;
                     condition.imageScene = scene;
                     if (DRV_ispChooseCurParamDSP(&condition, &set) != 0) continue;
-                    fuzzhost::require(set.curTableType < PARAM_TABLE_TYPE_NUM &&
+                    require(set.curTableType < PARAM_TABLE_TYPE_NUM &&
                                           set.curTable == set.paramTables[set.curTableType] &&
                                           set.curTable != nullptr,
                                       "chosen table is not a registered one");
