@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <iconv.h>
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdio>
@@ -12,11 +13,13 @@
 #include <vector>
 
 #include "api/driver_host.h"
+#include "api/fusion_fields.h"
 
 namespace {
 
 using driver_test::ConsoleArgs;
 using driver_test::HostPipe;
+using ispdsp_test::LogKind;
 using ispdsp_test::ParamFileBuilder;
 
 // The command table as the console documents it: name, Chinese and English text.
@@ -78,12 +81,17 @@ std::string menuLine(const std::string& name, const std::string& text) {
 }
 
 constexpr Int32 kStart = 3, kEnd = 5;
+constexpr int32_t kUnchanged = INT32_MIN;
+
+const fusion_test::FieldModel& fieldNamed(const std::string& name) {
+    return *std::find_if(std::begin(fusion_test::kFields), std::end(fusion_test::kFields),
+                         [&](const fusion_test::FieldModel& f) { return name == f.name; });
+}
 
 class DriverConsole : public testing::Test {
 protected:
     void SetUp() override {
-        sandbox.writeFile(driver_test::kCommonParamFile,
-                          ParamFileBuilder()
+        sandbox.writeFile(driver_test::kCommonParamFile, ParamFileBuilder()
                                                               .addTable(PARAM_MULTICOLOR, driver_test::fusionTable(7))
                                                               .addTable(PARAM_BLACKWHITE, driver_test::fusionTable(8))
                                                               .build());
@@ -101,19 +109,6 @@ protected:
         ConsoleArgs cmd(args);
         return pipe.console(&cmd.record, langue);
     }
-    // The records as the fusion debug setter leaves them, applied to the original ones.
-    std::vector<unsigned char> afterSetter(Int32 pcmdId, Int32 value) {
-        CFG_DSP_FusionV2722 copy[FUSION_GAIN_STEPS];
-        std::memcpy(copy, original, sizeof(copy));
-        DRV_gainInterParam gain = pipe.run().gainInterParam;
-        EXPECT_EQ(DRV_dspdbgFusion(copy, &gain, pcmdId, value), 0);
-        const auto* bytes = reinterpret_cast<const unsigned char*>(copy);
-        return std::vector<unsigned char>(bytes, bytes + sizeof(copy));
-    }
-    std::vector<unsigned char> current() const {
-        const auto* bytes = reinterpret_cast<const unsigned char*>(records);
-        return std::vector<unsigned char>(bytes, bytes + sizeof(original));
-    }
     size_t flagsSent() const { return pipe.flags.size(); }
 
     ispdsp_test::Sandbox sandbox;
@@ -124,65 +119,80 @@ protected:
     CFG_DSP_FusionV2722 original[FUSION_GAIN_STEPS];
 };
 
-TEST_F(DriverConsole, NoArgumentsDoNothing) {
-    EXPECT_EQ(run({}), 0);
-    EXPECT_TRUE(log.lines().empty());
-    EXPECT_EQ(flagsSent(), 0u);
-}
-
-// Every fusion command changes its own field in the two records of the blend.
+// Every fusion command holds its value into its own field of the two records of the blend.
 TEST_F(DriverConsole, EachCommandSetsItsFieldInBothRecords) {
     for (int row = 1; row <= 26; ++row) {
-        SCOPED_TRACE(kMenu[row].name);
-        std::memcpy(records, original, sizeof(original));
-        const size_t flagsBefore = flagsSent();
-        EXPECT_EQ(run({kMenu[row].name, "1"}), 0);
-        EXPECT_EQ(current(), afterSetter(row - 1, 1));
-        EXPECT_EQ(flagsSent(), flagsBefore + 1);
+        const fusion_test::FieldModel& f = fusion_test::kFields[row - 1];
+        ASSERT_STREQ(kMenu[row].name, f.name);
+        for (const char* text : {"1", "-99999"}) {
+            std::memcpy(records, original, sizeof(original));
+            const size_t flagsBefore = flagsSent();
+            EXPECT_EQ(run({f.name, text}), 0);
+            const int32_t held = std::clamp(std::atoi(text), f.lo, f.hi);
+            EXPECT_EQ(fusion_test::readField(f, &records[kStart]), held) << f.name;
+            EXPECT_EQ(fusion_test::readField(f, &records[kEnd]), held) << f.name;
+            fusion_test::writeField(f, &records[kStart], fusion_test::readField(f, &original[kStart]));
+            fusion_test::writeField(f, &records[kEnd], fusion_test::readField(f, &original[kEnd]));
+            EXPECT_EQ(std::memcmp(records, original, sizeof(original)), 0) << f.name;
+            EXPECT_EQ(flagsSent(), flagsBefore + 1);
+        }
     }
-    ASSERT_FALSE(pipe.flags.empty());
     EXPECT_EQ(pipe.flags.back().cmdType, ISP_SET_FUSION);
     EXPECT_EQ(pipe.flags.back().flag, 1u);
 }
 
-TEST_F(DriverConsole, OneChangeOneFlag) {
-    EXPECT_EQ(run({"ep_delta", "100"}), 0);
-    EXPECT_EQ(records[kStart].ep_delta, 100);
-    EXPECT_EQ(records[kEnd].ep_delta, 100);
-    EXPECT_EQ(flagsSent(), 1u);
-    EXPECT_EQ(driver_test::countInfo(log, "[DSP_DRV] fusion ep_delta is 100\n"), 1u);
-}
-
-TEST_F(DriverConsole, CommandsInTableOrderAreAllApplied) {
-    EXPECT_EQ(run({"ep_delta", "10", "hf_zoom", "200"}), 0);
-    EXPECT_EQ(records[kStart].ep_delta, 10);
-    EXPECT_EQ(records[kEnd].hf_zoom, 200);
-    EXPECT_EQ(flagsSent(), 2u);
-    // The same command twice: the search starts at the entry last matched.
-    EXPECT_EQ(run({"uv_w", "5", "uv_w", "6"}), 0);
-    EXPECT_EQ(records[kStart].uv_w, 6);
-    EXPECT_EQ(flagsSent(), 4u);
-}
-
-TEST_F(DriverConsole, CommandOutOfTableOrderIsNotFound) {
-    EXPECT_EQ(run({"hf_zoom", "200", "ep_delta", "10"}), -1);
-    EXPECT_EQ(records[kStart].hf_zoom, 200);
-    EXPECT_EQ(records[kStart].ep_delta, original[kStart].ep_delta);
-    EXPECT_EQ(flagsSent(), 1u);
-    EXPECT_EQ(driver_test::countWarnings(log, "DRV_ispSetDbgDspParam", "ep_delta, \tNot support\r\n"), 1u);
-    EXPECT_EQ(driver_test::countInfo(log, "[DSP_DRV] Usage: aewDebug [cmd1][cmd2]=[cmd3]:[cmd4] ... \r\n"), 1u);
-    EXPECT_EQ(log.count("[DSP_DRV] \n"), 28u);
-}
-
-TEST_F(DriverConsole, NameWithoutValueIsSkippedWithAWarning) {
-    EXPECT_EQ(run({"runParam"}), 0);
-    ASSERT_EQ(log.lines().size(), 1u);
-    EXPECT_EQ(driver_test::countWarnings(log, "DRV_ispSetDbgDspParam", "runParam need parm\r\n"), 1u);
-    log.clear();
-    EXPECT_EQ(run({"ep_delta", "9", "uv_w"}), 0);
-    EXPECT_EQ(records[kEnd].ep_delta, 9);
-    EXPECT_EQ(driver_test::countWarnings(log, "DRV_ispSetDbgDspParam", "uv_w need parm\r\n"), 1u);
-    EXPECT_EQ(flagsSent(), 1u);
+// Command lines and what they leave: the result, the flags, one stored value,
+// and one line. Commands follow the table's order; each search starts at the
+// entry last matched. A name without a value is skipped with a warning.
+TEST_F(DriverConsole, CommandLines) {
+    struct Case {
+        std::vector<const char*> args;
+        Int32 result;
+        size_t flags;
+        const char* field;  // in both records of the blend
+        int32_t stored;
+        LogKind kind;
+        const char* message;  // one such line (warnings name DRV_ispSetDbgDspParam)
+    };
+    const Case cases[] = {
+        {{}, 0, 0, "ep_delta", kUnchanged, LogKind::Info, nullptr},
+        {{"ep_delta", "100"}, 0, 1, "ep_delta", 100, LogKind::Info, "fusion ep_delta is 100\n"},
+        {{"ep_delta", "10", "hf_zoom", "200"}, 0, 2, "hf_zoom", 200, LogKind::Info, "fusion ep_delta is 10\n"},
+        {{"uv_w", "5", "uv_w", "6"}, 0, 2, "uv_w", 6, LogKind::Info, "fusion uv_w is 5\n"},
+        {{"hf_zoom", "200", "ep_delta", "10"}, -1, 1, "ep_delta", kUnchanged, LogKind::Warn,
+         "ep_delta, \tNot support\r\n"},
+        {{"runParam"}, 0, 0, "ep_delta", kUnchanged, LogKind::Warn, "runParam need parm\r\n"},
+        {{"ep_delta", "9", "uv_w"}, 0, 1, "ep_delta", 9, LogKind::Warn, "uv_w need parm\r\n"},
+        // Values are read as decimal numbers; beyond 32 bits they saturate before the setter holds them.
+        {{"hf_zoom", "12abc"}, 0, 1, "hf_zoom", 12, LogKind::Info, "fusion hf_zoom is 12\n"},
+        {{"hf_zoom", "abc"}, 0, 1, "hf_zoom", 0, LogKind::Info, "fusion hf_zoom is 0\n"},
+        {{"hf_zoom", "  +77"}, 0, 1, "hf_zoom", 77, LogKind::Info, "fusion hf_zoom is 77\n"},
+        {{"high_lum_thr", "-30"}, 0, 1, "high_lum_thr", -30, LogKind::Info, "fusion high_lum_thr is 4294967266\n"},
+        {{"dark_inner", "99999999999"}, 0, 1, "dark_inner", 65025, LogKind::Info, "fusion dark_inner is 65025\n"},
+        {{"high_lum_thr", "-99999999999"}, 0, 1, "high_lum_thr", -256, LogKind::Info,
+         "fusion high_lum_thr is 4294967040\n"},
+        {{"hf_zoom", "4294967297"}, 0, 1, "hf_zoom", 2047, LogKind::Info, "fusion hf_zoom is 2047\n"},
+        {{"nir_a", "-1"}, 0, 1, "nir_a", -1, LogKind::Info, "fusion nir_a is 4294967295\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.empty() ? "no arguments" : std::string(c.args[0]) + " ...");
+        std::memcpy(records, original, sizeof(original));
+        pipe.flags.clear();
+        log.clear();
+        ConsoleArgs cmd(c.args);
+        EXPECT_EQ(pipe.console(&cmd.record, 0), c.result);
+        EXPECT_EQ(flagsSent(), c.flags);
+        const fusion_test::FieldModel& f = fieldNamed(c.field);
+        for (int index : {kStart, kEnd}) {
+            const int32_t want = c.stored == kUnchanged ? fusion_test::readField(f, &original[index]) : c.stored;
+            EXPECT_EQ(fusion_test::readField(f, &records[index]), want) << index;
+        }
+        if (c.message == nullptr) {
+            EXPECT_TRUE(log.lines().empty());
+        } else {
+            EXPECT_TRUE(log.has(c.kind, c.kind == LogKind::Warn ? "DRV_ispSetDbgDspParam" : "", c.message));
+        }
+    }
 }
 
 TEST_F(DriverConsole, RunParamPrintsTheRunStateAndSendsNoFlag) {
@@ -202,83 +212,46 @@ TEST_F(DriverConsole, RunParamPrintsTheRunStateAndSendsNoFlag) {
     EXPECT_EQ(std::memcmp(records, original, sizeof(original)), 0);  // nothing changed
 }
 
-struct ValueCase {
-    const char* command;
-    const char* text;
-    Int32 pcmdId;
-    Int32 value;  // as the setter receives it
-};
-
-class DriverConsoleValues : public DriverConsole, public testing::WithParamInterface<ValueCase> {};
-
-TEST_P(DriverConsoleValues, AreReadAsDecimalNumbers) {
-    EXPECT_EQ(run({GetParam().command, GetParam().text}), 0);
-    EXPECT_EQ(current(), afterSetter(GetParam().pcmdId, GetParam().value));
-}
-
-// Values beyond the 32-bit range saturate before the setter clamps them.
-INSTANTIATE_TEST_SUITE_P(Texts, DriverConsoleValues,
-                         testing::Values(ValueCase{"hf_zoom", "12abc", 4, 12}, ValueCase{"hf_zoom", "abc", 4, 0},
-                                         ValueCase{"hf_zoom", "  +77", 4, 77},
-                                         ValueCase{"high_lum_thr", "-30", 6, -30},
-                                         ValueCase{"dark_inner", "99999999999", 5, INT_MAX},
-                                         ValueCase{"high_lum_thr", "-99999999999", 6, INT_MIN},
-                                         ValueCase{"ep_delta", "0", 0, 0}, ValueCase{"nir_a", "-1", 10, -1}),
-                         [](const testing::TestParamInfo<ValueCase>& info) {
-                             return std::to_string(info.index) + "_" + info.param.command;
-                         });
-
+// The curve command loads /tmp/nir.txt into both records; without the file the
+// setter fails: a warning, no flag, and the call goes on.
 TEST_F(DriverConsole, NirCurveFromFile) {
     std::string text;
-    for (int line = 0; line < 39; ++line) {
-        for (int k = 0; k < 13; ++k) text += std::to_string((line * 13 + k) % 256) + ",";
-        text += "\n";
-    }
-    text += "7,8,9,300\n";
+    for (int i = 0; i < FUSION_NIR_POINTS; ++i) text += std::to_string(i % 256) + (i % 13 == 12 ? ",\n" : ",");
+    text.back() = '\n';
     sandbox.writeFile("/tmp/nir.txt", text);
     EXPECT_EQ(run({"w_nir", "3"}), 0);
     EXPECT_EQ(flagsSent(), 1u);
-    for (int i = 0; i < 507; ++i) {
+    for (int i = 0; i < FUSION_NIR_POINTS; ++i) {
         ASSERT_EQ(records[kStart].w_nir[i], i % 256);
         ASSERT_EQ(records[kEnd].w_nir[i], i % 256);
     }
-    EXPECT_EQ(records[kStart].w_nir[510], 255);
 
     // Without the file the setter fails: a warning, no flag, and the call goes on.
     sandbox.remove("/tmp/nir.txt");
     log.clear();
     EXPECT_EQ(run({"w_nir", "3"}), 0);
     EXPECT_EQ(flagsSent(), 1u);
-    EXPECT_EQ(driver_test::countWarnings(log, "DRV_ispSetDbgDspParam", "[dsp]DRV_dspdbgFusion failed\n"), 1u);
+    EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispSetDbgDspParam", "[dsp]DRV_dspdbgFusion failed\n"), 1u);
 }
 
-TEST_F(DriverConsole, EnglishMenu) {
-    EXPECT_EQ(run({"nothing", "1"}, 0), -1);
-    const auto texts = log.texts();
-    ASSERT_EQ(texts.size(), 30u);
-    EXPECT_TRUE(driver_test::isLocatedLine(texts[0], "WARN", "DRV_ispSetDbgDspParam", "nothing, \tNot support\r\n"));
-    EXPECT_EQ(texts[1], "[DSP_DRV] Usage: aewDebug [cmd1][cmd2]=[cmd3]:[cmd4] ... \r\n");
-    for (size_t row = 0; row < kMenu.size(); ++row) EXPECT_EQ(texts[2 + row], menuLine(kMenu[row].name, kMenu[row].english));
-    EXPECT_EQ(texts[3], "[DSP_DRV] \nep_delta  : \t aew dbg Fusion ep_delta, ep_delta~[1,16383]\r\n");
-    for (const auto& line : log.lines()) {
-        if (line.text.rfind("[DSP_DRV] \n", 0) == 0 || line.text.rfind("[DSP_DRV] Usage", 0) == 0) {
-            EXPECT_EQ(line.level, 2);
-            EXPECT_EQ(line.category, 2);
+// An unknown name: a warning, the usage line and the menu in the chosen
+// language (Chinese in GBK; nir_a and vis_b have no Chinese text), and -1.
+TEST_F(DriverConsole, UnknownNamePrintsTheMenuInEitherLanguage) {
+    for (Int32 langue : {0, 1, 2}) {
+        log.clear();
+        EXPECT_EQ(run({"nothing", "1"}, langue), -1);
+        const auto texts = log.texts();
+        ASSERT_EQ(texts.size(), 30u);
+        EXPECT_TRUE(isDriverLine(log.lines()[0], LogKind::Warn, "DRV_ispSetDbgDspParam", "nothing, \tNot support\r\n"));
+        EXPECT_EQ(texts[1], "[DSP_DRV] Usage: aewDebug [cmd1][cmd2]=[cmd3]:[cmd4] ... \r\n");
+        EXPECT_EQ(log.count(LogKind::Info), 29u);
+        for (size_t row = 0; row < kMenu.size(); ++row) {
+            std::string text = kMenu[row].english;
+            if (langue == 1 && !toGbk(kMenu[row].chinese, text)) GTEST_SKIP() << "no GBK converter on this system";
+            EXPECT_EQ(texts[2 + row], menuLine(kMenu[row].name, text)) << kMenu[row].name;
         }
     }
-}
-
-TEST_F(DriverConsole, ChineseMenuInGbk) {
-    EXPECT_EQ(run({"nothing", "1"}, 1), -1);
-    const auto texts = log.texts();
-    ASSERT_EQ(texts.size(), 30u);
-    EXPECT_EQ(texts[13], "[DSP_DRV] \nnir_a     : \r\n");  // no Chinese text for nir_a and vis_b
-    EXPECT_EQ(texts[14], "[DSP_DRV] \nvis_b     : \r\n");
-    for (size_t row = 0; row < kMenu.size(); ++row) {
-        std::string gbk;
-        if (!toGbk(kMenu[row].chinese, gbk)) GTEST_SKIP() << "no GBK converter on this system";
-        EXPECT_EQ(texts[2 + row], menuLine(kMenu[row].name, gbk)) << kMenu[row].name;
-    }
+    EXPECT_EQ(flagsSent(), 0u);
 }
 
 TEST_F(DriverConsole, ChangesLastAndReachTheNextFusionFrame) {
@@ -309,7 +282,7 @@ TEST_F(DriverConsole, ArgumentCountBeyondTheRecordIsBounded) {
     cmd.record.argc = 1000;
     EXPECT_EQ(pipe.console(&cmd.record, 0), 0);
     EXPECT_EQ(flagsSent(), 16u);  // 16 pairs; the 33rd entry has no value inside the record
-    EXPECT_EQ(driver_test::countWarnings(log, "DRV_ispSetDbgDspParam", "uv_w need parm\r\n"), 1u);
+    EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispSetDbgDspParam", "uv_w need parm\r\n"), 1u);
 
     // A null entry inside the count ends the list.
     ConsoleArgs shortList({"uv_w", "3"});
@@ -321,16 +294,16 @@ TEST_F(DriverConsole, ArgumentCountBeyondTheRecordIsBounded) {
 TEST_F(DriverConsole, MissingPointersAndTable) {
     ConsoleArgs cmd({"runParam", "1"});
     EXPECT_EQ(pipe.ops()->OpSetDbgDspParam(nullptr, &cmd.record, 0), -1);
-    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_ispSetDbgDspParam", "ispOps"), 1u);
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispSetDbgDspParam", "Input NULL POINT ispOps!\n"), 1u);
     EXPECT_EQ(pipe.console(nullptr, 0), -1);
-    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_ispSetDbgDspParam", "cmd_param"), 1u);
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispSetDbgDspParam", "Input NULL POINT cmd_param!\n"), 1u);
 
     // Before the first refresh every command fails, runParam included.
     HostPipe fresh(2);
     ASSERT_EQ(fresh.createPipe(), 0);
     log.clear();
     EXPECT_EQ(fresh.console(&cmd.record, 0), -1);
-    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_ispSetDbgDspParam", "curParam"), 1u);
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispSetDbgDspParam", "Input NULL POINT curParam!\n"), 1u);
     EXPECT_EQ(log.lines().size(), 1u);
     EXPECT_EQ(fresh.remove(), 0);
 }

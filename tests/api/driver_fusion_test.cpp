@@ -20,6 +20,7 @@
 namespace {
 
 using driver_test::HostPipe;
+using ispdsp_test::LogKind;
 using ispdsp_test::DspCall;
 using ispdsp_test::ParamFileBuilder;
 
@@ -115,7 +116,7 @@ TEST_F(DriverFusion, NoCurrentTableBeforeTheFirstRefresh) {
     writeParamFiles();
     ASSERT_EQ(colour.createPipe(), 0);
     EXPECT_EQ(colour.fusion(), -1);
-    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_ispSetFusionParam", "curParam"), 1u);
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispSetFusionParam", "Input NULL POINT curParam!\n"), 1u);
     EXPECT_TRUE(dsp.sets().empty());
     EXPECT_TRUE(dsp.gets().empty());
 }
@@ -142,7 +143,7 @@ TEST_F(DriverFusion, ReferencePipeIsNeededAfterEveryStart) {
     dsp.clearCalls();
     log.clear();
     EXPECT_EQ(colour.fusion(), -1);
-    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_ispSetFusionParam", "otherIspHandle"), 1u);
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispSetFusionParam", "Input NULL POINT otherIspHandle!\n"), 1u);
     EXPECT_EQ(dsp.gets().size(), 1u);  // the read-back happened before the check
     EXPECT_TRUE(dsp.sets().empty());
 
@@ -157,7 +158,7 @@ TEST_F(DriverFusion, FirstCallOfAFreshPairReportsTheMissingCurve) {
     writeParamFiles();
     startPair();
     EXPECT_EQ(colour.fusion(), -1);
-    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_dspDoubleCalculateFusion", "w_nirMono"), 1u);
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_dspDoubleCalculateFusion", "Input NULL POINT w_nirMono!\n"), 1u);
     EXPECT_EQ(dsp.setTypes(), (std::vector<Uint32>{DSP_AEW_CFG_TYPE_FSSWITCH, DSP_AEW_CFG_TYPE_FUSION}));
     EXPECT_EQ(mono.fusion(), 0);
     EXPECT_EQ(colour.fusion(), 0);
@@ -173,7 +174,7 @@ TEST_F(DriverFusion, InvalidFusionTypeCalculatesNothing) {
     ASSERT_EQ(colour.refPipe(&ref), 0);
     log.clear();
     EXPECT_EQ(colour.fusion(), 0);
-    EXPECT_EQ(driver_test::countErrors(log, "DRV_ispSetFusionParam", "error fusionType:2 \n"), 1u);
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispSetFusionParam", "error fusionType:2 \n"), 1u);
     EXPECT_EQ(dsp.gets().size(), 1u);
     EXPECT_TRUE(dsp.sets().empty());
     EXPECT_EQ(log.count("pswitch="), 0u);

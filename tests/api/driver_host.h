@@ -1,6 +1,6 @@
 // A test host for the driver instance: pipes as the host framework keeps them
 // (creation record, operation table, the flags its callback received), the
-// device files the driver reads, and checks of the driver's log lines.
+// device files the driver reads.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,7 +10,6 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "ispdsp/ispdsp.h"
@@ -142,7 +141,7 @@ inline void linkPipes(HostPipe& colour, HostPipe& mono) {
 
 // An argument record as the host's console builds it (argp[argc] is null).
 struct ConsoleArgs {
-    explicit ConsoleArgs(std::initializer_list<const char*> args) : texts(args.begin(), args.end()) {
+    explicit ConsoleArgs(const std::vector<const char*>& args) : texts(args.begin(), args.end()) {
         std::memset(&record, 0, sizeof(record));
         for (size_t i = 0; i < texts.size() && i < DRV_ISP_CMD_MAX_ARGS; ++i)
             record.argp[i].pointer = const_cast<char*>(texts[i].c_str());
@@ -151,42 +150,5 @@ struct ConsoleArgs {
     std::vector<std::string> texts;
     DRV_ispCmdParam record;
 };
-
-// True when `text` is "[DSP_DRV] <KIND>  (<function>|<line>): <message>".
-inline bool isLocatedLine(const std::string& text, std::string_view kind, std::string_view function,
-                          std::string_view message) {
-    const std::string head = "[DSP_DRV] " + std::string(kind) + "  (" + std::string(function) + "|";
-    if (text.compare(0, head.size(), head) != 0) return false;
-    size_t pos = head.size();
-    const size_t digits = pos;
-    while (pos < text.size() && text[pos] >= '0' && text[pos] <= '9') ++pos;
-    if (pos == digits) return false;
-    return text.compare(pos, std::string::npos, "): " + std::string(message)) == 0;
-}
-
-// Number of captured lines with that level/category pair that are such a located line.
-inline size_t countLocated(const ispdsp_test::LogCapture& log, int32_t level, std::string_view kind,
-                           std::string_view function, std::string_view message) {
-    size_t n = 0;
-    for (const auto& line : log.lines())
-        if (line.level == level && isLocatedLine(line.text, kind, function, message)) ++n;
-    return n;
-}
-inline size_t countErrors(const ispdsp_test::LogCapture& log, std::string_view function, std::string_view message) {
-    return countLocated(log, 0, "ERROR", function, message);
-}
-inline size_t countWarnings(const ispdsp_test::LogCapture& log, std::string_view function, std::string_view message) {
-    return countLocated(log, 1, "WARN", function, message);
-}
-inline size_t countNullErrors(const ispdsp_test::LogCapture& log, std::string_view function, std::string_view name) {
-    return countErrors(log, function, "Input NULL POINT " + std::string(name) + "!\n");
-}
-// Number of information lines (2, 2) equal to `text`.
-inline size_t countInfo(const ispdsp_test::LogCapture& log, std::string_view text) {
-    size_t n = 0;
-    for (const auto& line : log.lines())
-        if (line.level == 2 && line.category == 2 && line.text == text) ++n;
-    return n;
-}
 
 }  // namespace driver_test

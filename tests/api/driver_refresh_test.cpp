@@ -7,93 +7,62 @@
 namespace {
 
 using driver_test::HostPipe;
+using ispdsp_test::LogKind;
 using ispdsp_test::ParamFileBuilder;
 
-class DriverRefresh : public testing::Test {
-protected:
-    void SetUp() override {
-        sandbox.writeFile(driver_test::kCommonParamFile, ParamFileBuilder()
-                                                              .addTable(PARAM_MULTICOLOR)
-                                                              .addTable(PARAM_BLACKWHITE)
-                                                              .addTable(PARAM_MULTICOLOR_NIGHT)
-                                                              .addTable(PARAM_TRAFFIC)
-                                                              .build());
-        ASSERT_EQ(pipe.createPipe(), 0);
-        tables = &pipe.instance()->dspCfgTables;
-    }
-    void TearDown() override { EXPECT_EQ(pipe.remove(), 0); }
-
+// One pipe through a sequence of run states. A refresh without a flag variable
+// leaves the change for the next one to report; a failed selection changes
+// nothing; the night tables are not chosen through the refresh (its scene mode
+// stays 0 whatever runParam.sceneMode says).
+TEST(DriverRefresh, ChoosesTheTableAndReportsEachChangeOnce) {
     ispdsp_test::Sandbox sandbox;
     ispdsp_test::LogCapture log;
     ispdsp_test::DspCapture dsp;
-    HostPipe pipe{1};
-    CFG_DspIspCfgTables* tables = nullptr;
-};
-
-TEST_F(DriverRefresh, FirstRefreshOnRowZeroReportsNoChange) {
-    Int32 changed = 9;
-    EXPECT_EQ(pipe.refresh(&changed), 0);
-    EXPECT_EQ(changed, 0);
-    EXPECT_EQ(tables->curTable, tables->paramTables[PARAM_MULTICOLOR]);
-    EXPECT_EQ(tables->curTableType, static_cast<Uint32>(PARAM_MULTICOLOR));
-    EXPECT_EQ(pipe.refresh(&changed), 0);
-    EXPECT_EQ(changed, 0);
-}
-
-TEST_F(DriverRefresh, DayNightSwitchIsReportedOnce) {
-    Int32 changed = 9;
-    ASSERT_EQ(pipe.refresh(&changed), 0);
-    pipe.run().dncMode = 0;  // black-and-white
-    EXPECT_EQ(pipe.refresh(&changed), 0);
-    EXPECT_EQ(changed, 1);
-    EXPECT_EQ(tables->curTable, tables->paramTables[PARAM_BLACKWHITE]);
-    EXPECT_EQ(tables->lastTableIdx, tables->curTableIdx);
-    EXPECT_EQ(pipe.refresh(&changed), 0);
-    EXPECT_EQ(changed, 0);
-
-    pipe.run().dncMode = 1;
-    pipe.run().imageScene = 1;  // traffic
-    EXPECT_EQ(pipe.refresh(&changed), 0);
-    EXPECT_EQ(changed, 1);
-    EXPECT_EQ(tables->curTable, tables->paramTables[PARAM_TRAFFIC]);
-}
-
-TEST_F(DriverRefresh, RefreshWithoutFlagLeavesTheChangeForTheNext) {
-    Int32 changed = 9;
-    ASSERT_EQ(pipe.refresh(&changed), 0);
-    pipe.run().dncMode = 0;
-    EXPECT_EQ(pipe.refresh(nullptr), 0);
-    EXPECT_EQ(tables->curTable, tables->paramTables[PARAM_BLACKWHITE]);
-    EXPECT_EQ(pipe.refresh(&changed), 0);
-    EXPECT_EQ(changed, 1);
-}
-
-TEST_F(DriverRefresh, FailingSelectionChangesNothing) {
-    Int32 changed = 9;
-    ASSERT_EQ(pipe.refresh(&changed), 0);
-    CFG_DspIspCfgParam* chosen = tables->curTable;
-    pipe.run().imageScene = 3;  // no scene block: no row matches
-    log.clear();
-    changed = 7;
-    EXPECT_EQ(pipe.refresh(&changed), -1);
-    EXPECT_EQ(changed, 7);
-    EXPECT_EQ(tables->curTable, chosen);
-    EXPECT_EQ(driver_test::countErrors(log, "DRV_ispRefreshCfgX", "DRV_ispChooseCurParam Failed!\n"), 1u);
-}
-
-// The night tables are not chosen through the refresh: the condition's scene
-// mode stays 0, whatever the host's runParam.sceneMode says.
-TEST_F(DriverRefresh, NightSceneModeStillChoosesTheDayTable) {
-    pipe.run().sceneMode = 2;
-    Int32 changed = 9;
-    EXPECT_EQ(pipe.refresh(&changed), 0);
-    EXPECT_EQ(tables->curTable, tables->paramTables[PARAM_MULTICOLOR]);
+    sandbox.writeFile(driver_test::kCommonParamFile, ParamFileBuilder()
+                                                          .addTable(PARAM_MULTICOLOR)
+                                                          .addTable(PARAM_BLACKWHITE)
+                                                          .addTable(PARAM_MULTICOLOR_NIGHT)
+                                                          .addTable(PARAM_TRAFFIC)
+                                                          .build());
+    HostPipe pipe(1);
+    ASSERT_EQ(pipe.createPipe(), 0);
+    CFG_DspIspCfgTables* tables = &pipe.instance()->dspCfgTables;
+    struct Step {
+        Int32 dncMode;
+        Uint32 imageScene, sceneMode;
+        bool withFlag;
+        Int32 result;
+        Int32 changed;  // 7: left as it was
+        PARAM_TABLE_TYPE table;
+    };
+    const Step steps[] = {
+        {1, 0, 2, true, 0, 0, PARAM_MULTICOLOR},  // the first refresh lands on row 0: no change
+        {1, 0, 0, true, 0, 0, PARAM_MULTICOLOR},
+        {0, 0, 0, true, 0, 1, PARAM_BLACKWHITE},
+        {0, 0, 0, true, 0, 0, PARAM_BLACKWHITE},
+        {1, 1, 0, true, 0, 1, PARAM_TRAFFIC},
+        {0, 0, 0, false, 0, 7, PARAM_BLACKWHITE},
+        {0, 0, 0, true, 0, 1, PARAM_BLACKWHITE},
+        {1, 3, 0, true, -1, 7, PARAM_BLACKWHITE},  // no scene block: no row matches
+    };
+    for (size_t k = 0; k < std::size(steps); ++k) {
+        const Step& s = steps[k];
+        pipe.run().dncMode = s.dncMode;
+        pipe.run().imageScene = s.imageScene;
+        pipe.run().sceneMode = s.sceneMode;
+        log.clear();
+        Int32 changed = 7;
+        EXPECT_EQ(pipe.refresh(s.withFlag ? &changed : nullptr), s.result) << k;
+        EXPECT_EQ(changed, s.changed) << k;
+        EXPECT_EQ(tables->curTable, tables->paramTables[s.table]) << k;
+        EXPECT_EQ(tables->curTableType, static_cast<Uint32>(s.table)) << k;
+        EXPECT_EQ(log.count(LogKind::Error, "DRV_ispRefreshCfgX", "DRV_ispChooseCurParam Failed!\n"),
+                  s.result == 0 ? 0u : 1u);
+    }
     EXPECT_NE(tables->paramTables[PARAM_MULTICOLOR_NIGHT], nullptr);
-}
-
-TEST_F(DriverRefresh, NullTableIsRefused) {
     EXPECT_EQ(pipe.ops()->OpRefreshCfg(nullptr, nullptr), -1);
-    EXPECT_EQ(driver_test::countNullErrors(log, "DRV_ispRefreshCfgX", "ispOps"), 1u);
+    EXPECT_TRUE(log.has(LogKind::Error, "DRV_ispRefreshCfgX", "Input NULL POINT ispOps!\n"));
+    EXPECT_EQ(pipe.remove(), 0);
 }
 
 }  // namespace

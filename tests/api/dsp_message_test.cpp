@@ -43,46 +43,55 @@ Int32 call(void* record, DRV_dspIspHandle* handle) {
     return Fn(static_cast<Record*>(record), handle);
 }
 
-// ---- Rules common to every Set function ----
+// ---- Rules common to every Set function, the stage payloads and the no-op Gets ----
 
 struct SetCase {
     const char* function;
     SetFn set;
+    GetFn get;  // the stage's Get, which does nothing; null where the stage has none or a real one
     Uint32 type;
     bool nIdFromHandle;
     bool returnsCallbackResult;
+    size_t payloadOffset, payloadBytes;  // the record is the payload block (0 bytes: another layout)
 };
 
-#define SET_CASE(fn, Record, type, nId, callback) SetCase{#fn, &call<Record, fn>, type, nId, callback}
+#define SET_CASE(Stage, Record, type, nId, callback) \
+    SetCase{"DRV_dspOpSet" #Stage, &call<Record, DRV_dspOpSet##Stage>, nullptr, type, nId, callback, 0, 0}
+#define STAGE_CASE(Stage, Record, type, callback, offset) \
+    SetCase{"DRV_dspOpSet" #Stage, &call<Record, DRV_dspOpSet##Stage>, &call<Record, DRV_dspOpGet##Stage>, type, \
+            true, callback, offset, sizeof(Record)}
 
 const SetCase kSetCases[] = {
-    SET_CASE(DRV_dspOpSetLsm, DSP_LsmV112, DSP_AEW_CFG_TYPE_LSM, true, true),
-    SET_CASE(DRV_dspOpSetFusion, DSP_FusionV2722, DSP_AEW_CFG_TYPE_FUSION, true, false),
-    SET_CASE(DRV_dspOpSetIr, DSP_IrParam, DSP_AEW_CFG_TYPE_IR, false, false),
-    SET_CASE(DRV_dspOpSetCal, DSP_IrParam, DSP_AEW_CFG_TYPE_CAL, false, false),
-    SET_CASE(DRV_dspOpSetFSSWITCH, DSP_FusionV2722, DSP_AEW_CFG_TYPE_FSSWITCH, false, false),
-    SET_CASE(DRV_dspOpSetLae, DSP_LaeV209, DSP_AEW_CFG_TYPE_LAE, true, true),
-    SET_CASE(DRV_dspOpSetSbm3d, DSP_Sbm3dV113, DSP_AEW_CFG_TYPE_SBM3D, true, true),
-    SET_CASE(DRV_dspOpSetYuv2yuv, DSP_Yuv2yuvV100, DSP_AEW_CFG_TYPE_CSC, true, true),
-    SET_CASE(DRV_dspOpSetFusionPlate, DSP_FusionPlateV1001, DSP_AEW_CFG_TYPE_FUSION_PLATE, true, true),
-    SET_CASE(DRV_dspOpSetFg2c, DSP_Fg2cV102, DSP_AEW_CFG_TYPE_FG2C, true, true),
-    SET_CASE(DRV_dspOpSetLle, DSP_LleV203, DSP_AEW_CFG_TYPE_LLE, true, false),
-    SET_CASE(DRV_dspOpSetYlwdr, DSP_YlwdrV102, DSP_AEW_CFG_TYPE_YLWDR, true, false),
-    SET_CASE(DRV_dspOpSetY2d, DSP_Y2dV5118, DSP_AEW_CFG_TYPE_Y2D, true, false),
-    SET_CASE(DRV_dspOpSetDlae, DSP_DlaeV101, DSP_AEW_CFG_TYPE_DLAE, true, false),
-    SET_CASE(DRV_dspOpSetDlcfa, DSP_DlcfaV101, DSP_AEW_CFG_TYPE_DLCFA, true, false),
-    SET_CASE(DRV_dspOpSetSade, DSP_SadeV113, DSP_AEW_CFG_TYPE_SADE, true, false),
+    STAGE_CASE(Lsm, DSP_LsmV112, DSP_AEW_CFG_TYPE_LSM, true, kDspArgs),
+    SET_CASE(Fusion, DSP_FusionV2722, DSP_AEW_CFG_TYPE_FUSION, true, false),
+    SET_CASE(Ir, DSP_IrParam, DSP_AEW_CFG_TYPE_IR, false, false),
+    SET_CASE(Cal, DSP_IrParam, DSP_AEW_CFG_TYPE_CAL, false, false),
+    SET_CASE(FSSWITCH, DSP_FusionV2722, DSP_AEW_CFG_TYPE_FSSWITCH, false, false),
+    STAGE_CASE(Lae, DSP_LaeV209, DSP_AEW_CFG_TYPE_LAE, true, kDspArgs),
+    STAGE_CASE(Sbm3d, DSP_Sbm3dV113, DSP_AEW_CFG_TYPE_SBM3D, true, kDspArgs),
+    STAGE_CASE(Yuv2yuv, DSP_Yuv2yuvV100, DSP_AEW_CFG_TYPE_CSC, true, kVsfArgs),
+    STAGE_CASE(FusionPlate, DSP_FusionPlateV1001, DSP_AEW_CFG_TYPE_FUSION_PLATE, true, kDspArgs),
+    STAGE_CASE(Fg2c, DSP_Fg2cV102, DSP_AEW_CFG_TYPE_FG2C, true, kDspArgs),
+    STAGE_CASE(Lle, DSP_LleV203, DSP_AEW_CFG_TYPE_LLE, false, kDspArgs),
+    STAGE_CASE(Ylwdr, DSP_YlwdrV102, DSP_AEW_CFG_TYPE_YLWDR, false, kDspArgs),
+    STAGE_CASE(Y2d, DSP_Y2dV5118, DSP_AEW_CFG_TYPE_Y2D, false, kDspArgs),
+    STAGE_CASE(Dlae, DSP_DlaeV101, DSP_AEW_CFG_TYPE_DLAE, false, kDspArgs),
+    STAGE_CASE(Dlcfa, DSP_DlcfaV101, DSP_AEW_CFG_TYPE_DLCFA, false, kDspArgs),
+    STAGE_CASE(Sade, DSP_SadeV113, DSP_AEW_CFG_TYPE_SADE, false, kDspArgs),
 };
 
 class SetRules : public testing::TestWithParam<SetCase> {};
 
-// Sends one message of its type with the table's id; a failing callback's result is returned
-// only where the table says so, and never retried.
-TEST_P(SetRules, SendsOneMessageAndReturnsTheCallbackResultWhereTheTableSaysSo) {
+// One message of its type with the table's id; a failing callback's result is
+// returned only where the table says so, and never retried. A stage record is
+// the payload block: copied whole at its offset, nothing else written, and
+// nothing of a previous send left behind.
+TEST_P(SetRules, SendsOneMessageOfItsType) {
     const SetCase& c = GetParam();
     DspCapture dsp;
     DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    RecordBytes record;
+    RecordBytes record, zero;
+    zero.bytes.fill(0);
 
     EXPECT_EQ(c.set(record.data(), &handle), 0);
     ASSERT_EQ(dsp.sets().size(), 1u);
@@ -92,16 +101,26 @@ TEST_P(SetRules, SendsOneMessageAndReturnsTheCallbackResultWhereTheTableSaysSo) 
     EXPECT_EQ(sent.message.res, 0u);
     EXPECT_EQ(sent.ctrl.nId, c.nIdFromHandle ? kHandleId : 0u);
     EXPECT_TRUE(sent.ctrlReservedZero());
+    if (c.payloadBytes != 0) {
+        EXPECT_TRUE(std::equal(record.bytes.begin(), record.bytes.begin() + c.payloadBytes,
+                               sent.bytes().begin() + c.payloadOffset));
+        EXPECT_EQ(sent.firstNonZeroExcept({{c.payloadOffset, c.payloadOffset + c.payloadBytes}}), std::nullopt);
+        ASSERT_EQ(c.set(zero.data(), &handle), 0);
+        EXPECT_EQ(dsp.sets().back().firstNonZeroExcept({}), std::nullopt);
+    }
 
     dsp.setSetResult(-3);
+    const size_t sends = dsp.sets().size();
     EXPECT_EQ(c.set(record.data(), &handle), c.returnsCallbackResult ? -3 : 0);
-    EXPECT_EQ(dsp.sets().size(), 2u);
+    EXPECT_EQ(dsp.sets().size(), sends + 1);
 }
 
-// Null param is reported before a null handle; a null handle alone sends nothing.
-TEST_P(SetRules, NullArgumentsAreReportedAndNothingIsSent) {
+// Null param is reported before a null handle; a missing set callback warns and
+// fails, a missing get callback does not matter; the stage's Get does nothing.
+TEST_P(SetRules, RefusalsSendNothing) {
     const SetCase& c = GetParam();
     DspCapture dsp;
+    DRV_dspIspHandle handle = dsp.handle(kHandleId);
     RecordBytes record;
     const RecordBytes before = record;
 
@@ -111,131 +130,32 @@ TEST_P(SetRules, NullArgumentsAreReportedAndNothingIsSent) {
     testing::internal::CaptureStdout();
     EXPECT_EQ(c.set(record.data(), nullptr), -1);
     EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::NullPointer, c.function, "dspOps"));
-    EXPECT_EQ(record.bytes, before.bytes);
     EXPECT_TRUE(dsp.sets().empty());
-}
-
-// A missing set callback warns and fails; a missing get callback does not matter.
-TEST_P(SetRules, OnlyTheSetCallbackIsRequired) {
-    const SetCase& c = GetParam();
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    RecordBytes record;
 
     handle.dspIspCfgOps.OpGetDspConfig = nullptr;
     testing::internal::CaptureStdout();
     EXPECT_EQ(c.set(record.data(), &handle), 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(dsp.sets().size(), 1u);
-
     handle.dspIspCfgOps.OpSetDspConfig = nullptr;
     testing::internal::CaptureStdout();
     EXPECT_EQ(c.set(record.data(), &handle), -1);
     EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::SetMissing, c.function));
+    EXPECT_EQ(dsp.sets().size(), 1u);
+
+    if (c.get != nullptr) {
+        handle = dsp.handle(kHandleId);
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(c.get(nullptr, nullptr), 0);
+        EXPECT_EQ(c.get(record.data(), &handle), 0);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    }
+    EXPECT_EQ(record.bytes, before.bytes);
     EXPECT_EQ(dsp.sets().size(), 1u);
     EXPECT_TRUE(dsp.gets().empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(AllSetFunctions, SetRules, testing::ValuesIn(kSetCases),
                          [](const testing::TestParamInfo<SetCase>& info) { return std::string(info.param.function); });
-
-// ---- Stages whose record is the payload: copied whole, nothing else written ----
-
-struct PayloadCase {
-    const char* function;
-    SetFn set;
-    size_t recordBytes;
-    size_t messageOffset;
-    size_t payloadBytes;
-};
-
-#define PAYLOAD_CASE(fn, Record, offset, bytes) \
-    PayloadCase{#fn, &call<Record, fn>, sizeof(Record), offset, bytes}
-
-const PayloadCase kPayloadCases[] = {
-    PAYLOAD_CASE(DRV_dspOpSetLsm, DSP_LsmV112, kDspArgs, 30),
-    PAYLOAD_CASE(DRV_dspOpSetLae, DSP_LaeV209, kDspArgs, 116),
-    PAYLOAD_CASE(DRV_dspOpSetSbm3d, DSP_Sbm3dV113, kDspArgs, 40),
-    PAYLOAD_CASE(DRV_dspOpSetYuv2yuv, DSP_Yuv2yuvV100, kVsfArgs, 4),
-    PAYLOAD_CASE(DRV_dspOpSetFusionPlate, DSP_FusionPlateV1001, kDspArgs, 132),
-    PAYLOAD_CASE(DRV_dspOpSetFg2c, DSP_Fg2cV102, kDspArgs, 32),
-    PAYLOAD_CASE(DRV_dspOpSetLle, DSP_LleV203, kDspArgs, 32),
-    PAYLOAD_CASE(DRV_dspOpSetYlwdr, DSP_YlwdrV102, kDspArgs, 56),
-    PAYLOAD_CASE(DRV_dspOpSetY2d, DSP_Y2dV5118, kDspArgs, 44),
-    PAYLOAD_CASE(DRV_dspOpSetDlae, DSP_DlaeV101, kDspArgs, 32),
-    PAYLOAD_CASE(DRV_dspOpSetDlcfa, DSP_DlcfaV101, kDspArgs, 32),
-    PAYLOAD_CASE(DRV_dspOpSetSade, DSP_SadeV113, kDspArgs, 12),
-};
-
-class StagePayload : public testing::TestWithParam<PayloadCase> {};
-
-// The record is the payload block: copied whole at its offset, nothing else written, and
-// nothing of a previous send left behind.
-TEST_P(StagePayload, CarriesTheRecordBytesAtTheirOffsetAndZeroElsewhere) {
-    const PayloadCase& c = GetParam();
-    EXPECT_EQ(c.recordBytes, c.payloadBytes);
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    RecordBytes record;
-    RecordBytes zero;
-    zero.bytes.fill(0);
-
-    ASSERT_EQ(c.set(record.data(), &handle), 0);
-    ASSERT_EQ(c.set(zero.data(), &handle), 0);
-    ASSERT_EQ(dsp.sets().size(), 2u);
-    const DspCall& sent = dsp.sets()[0];
-    const auto bytes = sent.bytes();
-    for (size_t i = 0; i < c.payloadBytes; ++i) {
-        ASSERT_EQ(bytes[c.messageOffset + i], record.bytes[i]) << "payload byte " << i;
-    }
-    EXPECT_EQ(sent.firstNonZeroExcept({{c.messageOffset, c.messageOffset + c.payloadBytes}}), std::nullopt);
-    EXPECT_EQ(dsp.sets()[1].firstNonZeroExcept({}), std::nullopt);
-}
-
-INSTANTIATE_TEST_SUITE_P(EnhancementStages, StagePayload, testing::ValuesIn(kPayloadCases),
-                         [](const testing::TestParamInfo<PayloadCase>& info) {
-                             return std::string(info.param.function);
-                         });
-
-// ---- The Gets that never talk to the host ----
-
-struct NoOpGetCase {
-    const char* function;
-    GetFn get;
-};
-
-#define GET_CASE(fn, Record) NoOpGetCase{#fn, &call<Record, fn>}
-
-const NoOpGetCase kNoOpGets[] = {
-    GET_CASE(DRV_dspOpGetLsm, DSP_LsmV112),         GET_CASE(DRV_dspOpGetLae, DSP_LaeV209),
-    GET_CASE(DRV_dspOpGetSbm3d, DSP_Sbm3dV113),     GET_CASE(DRV_dspOpGetYuv2yuv, DSP_Yuv2yuvV100),
-    GET_CASE(DRV_dspOpGetFusionPlate, DSP_FusionPlateV1001), GET_CASE(DRV_dspOpGetFg2c, DSP_Fg2cV102),
-    GET_CASE(DRV_dspOpGetLle, DSP_LleV203),         GET_CASE(DRV_dspOpGetYlwdr, DSP_YlwdrV102),
-    GET_CASE(DRV_dspOpGetY2d, DSP_Y2dV5118),        GET_CASE(DRV_dspOpGetDlae, DSP_DlaeV101),
-    GET_CASE(DRV_dspOpGetDlcfa, DSP_DlcfaV101),     GET_CASE(DRV_dspOpGetSade, DSP_SadeV113),
-};
-
-class NoOpGet : public testing::TestWithParam<NoOpGetCase> {};
-
-TEST_P(NoOpGet, TouchesNeitherRecordNorHostAndAcceptsNulls) {
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    RecordBytes record;
-    const RecordBytes before = record;
-
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(GetParam().get(nullptr, nullptr), 0);
-    EXPECT_EQ(GetParam().get(record.data(), &handle), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(record.bytes, before.bytes);
-    EXPECT_TRUE(dsp.sets().empty());
-    EXPECT_TRUE(dsp.gets().empty());
-}
-
-INSTANTIATE_TEST_SUITE_P(EnhancementStages, NoOpGet, testing::ValuesIn(kNoOpGets),
-                         [](const testing::TestParamInfo<NoOpGetCase>& info) {
-                             return std::string(info.param.function);
-                         });
 
 // ---- Fusion, output switch, IR and calibration ----
 
@@ -253,35 +173,23 @@ struct FusionRecord {
     }
 };
 
-struct SwitchCase {
-    UINT32 fusionSwitch;
-    Uint32 outputMode;
-};
-
-class FusionSwitch : public testing::TestWithParam<SwitchCase> {};
-
 // The output switch message maps the switch to an output mode; the fusion message carries it unmapped.
-TEST_P(FusionSwitch, FsSwitchSendsTheOutputModeWithIdZeroAndFusionTheRawSwitch) {
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    FusionRecord fusion(GetParam().fusionSwitch);
-
-    ASSERT_EQ(DRV_dspOpSetFSSWITCH(&fusion.record, &handle), 0);
-    ASSERT_EQ(DRV_dspOpSetFusion(&fusion.record, &handle), 0);
-    const DspCall& sent = dsp.sets().at(0);
-    EXPECT_EQ(sent.type(), DSP_AEW_CFG_TYPE_FSSWITCH);
-    EXPECT_EQ(sent.word(8), GetParam().outputMode);
-    EXPECT_EQ(sent.ctrl.nId, 0u);
-    EXPECT_EQ(sent.firstNonZeroExcept({{8, 12}}), std::nullopt);
-    EXPECT_EQ(dsp.sets().at(1).word(8), GetParam().fusionSwitch);
+TEST(FusionSwitch, FsSwitchSendsTheOutputModeWithIdZeroAndFusionTheRawSwitch) {
+    const std::pair<UINT32, Uint32> cases[] = {{0, DSP_OUTPUT_VIS}, {1, DSP_OUTPUT_FUSE}, {2, DSP_OUTPUT_NIR_CAL},
+                                               {3, DSP_OUTPUT_FUSE_INVALID}, {7, DSP_OUTPUT_FUSE_INVALID},
+                                               {0xFFFFFFFFu, DSP_OUTPUT_FUSE_INVALID}};
+    for (const auto& [fusionSwitch, outputMode] : cases) {
+        DspCapture dsp;
+        DRV_dspIspHandle handle = dsp.handle(kHandleId);
+        FusionRecord fusion(fusionSwitch);
+        ASSERT_EQ(DRV_dspOpSetFSSWITCH(&fusion.record, &handle), 0);
+        ASSERT_EQ(DRV_dspOpSetFusion(&fusion.record, &handle), 0);
+        const DspCall& sent = dsp.sets().at(0);
+        EXPECT_EQ(sent.word(8), outputMode) << fusionSwitch;
+        EXPECT_EQ(sent.firstNonZeroExcept({{8, 12}}), std::nullopt);
+        EXPECT_EQ(dsp.sets().at(1).word(8), fusionSwitch);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Switches, FusionSwitch,
-                         testing::Values(SwitchCase{0, DSP_OUTPUT_VIS}, SwitchCase{1, DSP_OUTPUT_FUSE},
-                                         SwitchCase{2, DSP_OUTPUT_NIR_CAL}, SwitchCase{3, DSP_OUTPUT_FUSE_INVALID},
-                                         SwitchCase{7, DSP_OUTPUT_FUSE_INVALID},
-                                         SwitchCase{0xFFFFFFFFu, DSP_OUTPUT_FUSE_INVALID}),
-                         [](const testing::TestParamInfo<SwitchCase>& info) { return "Switch" + std::to_string(info.param.fusionSwitch); });
 
 TEST(FusionMessage, CarriesTheWhole2722BlockWithVersionZero) {
     DspCapture dsp;
@@ -304,33 +212,22 @@ TEST(FusionMessage, CarriesTheWhole2722BlockWithVersionZero) {
     EXPECT_TRUE(std::equal(sent.curve.begin(), sent.curve.end(), fusion.curve.begin()));
 }
 
-struct ZoomCase {
-    Int32 zoomIndex;
-    Uint16 sent;
-};
-
-class IrMessage : public testing::TestWithParam<ZoomCase> {};
-
-TEST_P(IrMessage, SendsTheLow16BitsWithIdZero) {
-    DspCapture dsp;
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    DSP_IrParam ir;
-    std::memset(&ir, 0x7E, sizeof ir);
-    ir.zoomIndex = GetParam().zoomIndex;
-
-    dsp.setSetResult(-9);  // ignored
-    ASSERT_EQ(DRV_dspOpSetIr(&ir, &handle), 0);
-    const DspCall& sent = dsp.sets().at(0);
-    EXPECT_EQ(sent.type(), DSP_AEW_CFG_TYPE_IR);
-    EXPECT_EQ(sent.message.dspArgs.irCalPramArgs.irParam.zoomIndex, GetParam().sent);
-    EXPECT_EQ(sent.ctrl.nId, 0u);
-    EXPECT_EQ(sent.firstNonZeroExcept({{72, 74}}), std::nullopt);
+// The zoom index goes out as its low 16 bits with id 0; the callback's result is ignored.
+TEST(IrMessage, SendsTheLow16BitsWithIdZero) {
+    for (const auto& [zoomIndex, sent16] : {std::pair<Int32, Uint16>{0, 0}, {3, 3}, {65537, 1}, {-1, 65535},
+                                            {0x12345678, 0x5678}}) {
+        DspCapture dsp;
+        DRV_dspIspHandle handle = dsp.handle(kHandleId);
+        DSP_IrParam ir;
+        std::memset(&ir, 0x7E, sizeof ir);
+        ir.zoomIndex = zoomIndex;
+        dsp.setSetResult(-9);
+        ASSERT_EQ(DRV_dspOpSetIr(&ir, &handle), 0);
+        const DspCall& sent = dsp.sets().at(0);
+        EXPECT_EQ(sent.message.dspArgs.irCalPramArgs.irParam.zoomIndex, sent16);
+        EXPECT_EQ(sent.firstNonZeroExcept({{72, 74}}), std::nullopt);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(ZoomBands, IrMessage,
-                         testing::Values(ZoomCase{0, 0}, ZoomCase{3, 3}, ZoomCase{65537, 1}, ZoomCase{-1, 65535},
-                                         ZoomCase{0x12345678, 0x5678}),
-                         [](const testing::TestParamInfo<ZoomCase>& info) { return "Sends" + std::to_string(info.param.sent); });
 
 TEST(CalMessage, CarriesTheAddressOfThePathAt88AndNothingElse) {
     DspCapture dsp;
