@@ -51,20 +51,33 @@ bool DriverLibrary::open(const std::string& path) {
 
 void* DriverLibrary::symbol(const char* name) const { return handle_ != nullptr ? dlsym(handle_, name) : nullptr; }
 
-std::string defaultLibraryPath(const std::string& builtPath) {
+namespace {
+std::filesystem::path executableDir() {
     char self[PATH_MAX];
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
-    if (length > 0) {
-        self[length] = '\0';
-        const std::filesystem::path dir = std::filesystem::path(self).parent_path();
-        // Beside the executable, then an installed tree (bin/ and lib/ side by side).
-        for (const std::filesystem::path& candidate :
-             {dir / "libispdsp.so", dir / ".." / "lib" / "libispdsp.so.0"}) {
-            std::error_code ec;
-            if (std::filesystem::exists(candidate, ec)) return candidate.lexically_normal().string();
-        }
+    if (length <= 0) return {};
+    self[length] = '\0';
+    return std::filesystem::path(self).parent_path();
+}
+}  // namespace
+
+std::string defaultLibraryPath(const std::string& builtPath) {
+    const std::filesystem::path dir = executableDir();
+    if (dir.empty()) return builtPath;
+    // Beside the executable, then an installed tree (bin/ and lib/ side by side).
+    for (const std::filesystem::path& candidate : {dir / "libispdsp.so", dir / ".." / "lib" / "libispdsp.so.0"}) {
+        std::error_code ec;
+        if (std::filesystem::exists(candidate, ec)) return candidate.lexically_normal().string();
     }
     return builtPath;
+}
+
+std::string sampleDirectory(const std::string& buildDir, const std::string& sourceDir,
+                            const std::string& installedRelative) {
+    const std::filesystem::path dir = executableDir();
+    std::error_code ec;
+    if (dir.empty() || std::filesystem::equivalent(dir, buildDir, ec)) return sourceDir;
+    return (dir / installedRelative).lexically_normal().string();
 }
 
 }  // namespace ispsim

@@ -46,4 +46,10 @@ private:
 // tree's library.
 std::string defaultLibraryPath(const std::string& builtPath);
 
+// The sample data: the source tree's data/sample for the binary in its build
+// folder (`buildDir`), else `installedRelative` from the executable's folder
+// (bin/../share/ispdsp/sample), so an installed copy never reads the checkout.
+std::string sampleDirectory(const std::string& buildDir, const std::string& sourceDir,
+                            const std::string& installedRelative);
+
 }  // namespace ispsim

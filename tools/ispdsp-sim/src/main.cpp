@@ -15,10 +15,37 @@
 #ifndef ISPDSP_SIM_SAMPLE_DIR
 #define ISPDSP_SIM_SAMPLE_DIR "data/sample"
 #endif
+#ifndef ISPDSP_SIM_BUILD_DIR
+#define ISPDSP_SIM_BUILD_DIR "."
+#endif
+#ifndef ISPDSP_SIM_INSTALLED_SAMPLE_DIR
+#define ISPDSP_SIM_INSTALLED_SAMPLE_DIR "../share/ispdsp/sample"
+#endif
+#ifndef ISPDSP_VERSION
+#define ISPDSP_VERSION "unknown"
+#endif
 
 namespace {
 
-std::string sample(const char* name) { return std::string(ISPDSP_SIM_SAMPLE_DIR) + "/" + name; }
+std::string sample(const char* name) {
+    static const std::string dir =
+        ispsim::sampleDirectory(ISPDSP_SIM_BUILD_DIR, ISPDSP_SIM_SAMPLE_DIR, ISPDSP_SIM_INSTALLED_SAMPLE_DIR);
+    return dir + "/" + name;
+}
+
+// Ranges in --help and in errors as people write them ("1 to 1000000"), not
+// CLI11's default floating-point bounds.
+CLI::Validator countRange(int64_t min, int64_t max) {
+    const std::string range = std::to_string(min) + " to " + std::to_string(max);
+    return CLI::Validator(
+        [=](std::string& text) -> std::string {
+            int64_t value = 0;
+            if (!CLI::detail::lexical_cast(text, value) || value < min || value > max)
+                return "'" + text + "' is not a whole number from " + range;
+            return std::string();
+        },
+        "INT in " + range);
+}
 
 constexpr const char* kFooter = R"(
 Each frame, for both pipes and operation by operation: OpSetModuleResults (the
@@ -32,8 +59,10 @@ followed by one more frame. "continue" resumes the scenario (--console-every),
 "quit" or "exit" end the run, end of input leaves the console.
 
 Exit status: 0 run completed, 1 library/sandbox/driver setup failed (or the
-output could not be written), 2 bad command line or scenario, 130 interrupted
-(the pipes are still stopped and deleted).)";
+output could not be written), 2 bad command line, scenario or input file (a
+directory, unreadable, or a file of another kind), 130 interrupted by SIGINT,
+SIGTERM or SIGHUP (the pipes are still stopped and deleted, the temporary
+sandbox removed).)";
 
 }  // namespace
 
@@ -41,6 +70,7 @@ int main(int argc, char** argv) {
     ispsim::Options options;
     CLI::App app{"ispdsp-sim: host simulator for the ISP-DSP driver library (colour/mono fusion pair)"};
     app.footer(kFooter);
+    app.set_version_flag("--version", std::string("ispdsp-sim ") + ISPDSP_VERSION);
 
     options.scenario = sample("scenarios/gain_sweep.json");
     options.library = ispsim::defaultLibraryPath(ISPDSP_SIM_DEFAULT_LIBRARY);
@@ -78,14 +108,14 @@ int main(int argc, char** argv) {
                           ->expected(0, 1);
     app.add_flag("--stages", options.stages, "also calculate and send the smaller stages from the current table");
     auto* framesOption = app.add_option("--frames", frames, "number of frames (replaces the scenario's count)")
-                             ->check(CLI::Range(int64_t{0}, int64_t{1000000}));
+                             ->check(countRange(0, 1000000));
     app.add_flag("--json", options.json, "JSON lines instead of the table");
     app.add_flag("--curves", options.curves, "all 511 NIR curve points");
     app.add_flag("--quiet-log", options.quietLog, "hide the driver's log lines");
-    auto* outputOption = app.add_option("-o,--output", output, "write the results to a file");
+    auto* outputOption = app.add_option("-o,--output", output, "write the results to a file (- for standard output)");
     app.add_flag("--console", options.console, "read aewDebug commands after the scenario");
     app.add_option("--console-every", options.consoleEvery, "read aewDebug commands every N frames")
-        ->check(CLI::PositiveNumber);
+        ->check(countRange(1, 1000000));
     app.add_option("--pipe", pipe, "pipe the console commands go to")
         ->check(CLI::IsMember({"color", "mono"}))
         ->capture_default_str();
@@ -111,7 +141,7 @@ int main(int argc, char** argv) {
     options.nir = nir;
     if (rlrOption->count() > 0) options.rlr = rlr.empty() ? sample("rlr_para.bin") : rlr;
     if (framesOption->count() > 0) options.frames = frames;
-    if (outputOption->count() > 0) options.output = output;
+    if (outputOption->count() > 0 && output != "-") options.output = output;
     options.consolePipe = pipe == "mono" ? ispsim::kMonoPipe : ispsim::kColorPipe;
     options.langue = lang == "zh" ? 1 : 0;
     if (progressAlways) options.progress = ispsim::Options::ProgressMode::On;

@@ -36,7 +36,7 @@ struct Options {
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitRunFailed = 1;  // library, sandbox or driver setup failed
 inline constexpr int kExitUsage = 2;      // bad command line or scenario
-inline constexpr int kExitInterrupted = 130;  // SIGINT/SIGTERM: the run stopped between frames
+inline constexpr int kExitInterrupted = 130;  // SIGINT/SIGTERM/SIGHUP: the run stopped between frames
 
 // Runs the simulator; messages for failures go to stderr.
 int runSimulation(const Options& options);

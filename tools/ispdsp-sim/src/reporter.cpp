@@ -1,5 +1,7 @@
 #include "reporter.h"
 
+#include <cerrno>
+
 #include "ispdsp_host/host.h"
 #include "names.h"
 #include "text_encoding.h"
@@ -18,7 +20,9 @@ void Reporter::emit(const std::string& kind, const Event& payload) {
     event["frame"] = context_.frame >= 0 ? Event(context_.frame) : Event(nullptr);
     event["pipe"] = context_.pipe >= 0 ? Event(pipeName(context_.pipe)) : Event(nullptr);
     for (const auto& [key, value] : payload.items()) event[key] = value;
+    errno = 0;
     formatter_->write(event);
+    if (outputErrno_ == 0 && formatter_->failed()) outputErrno_ = errno;
 }
 
 void Reporter::logLine(int32_t level, int32_t category, const std::string& text) {

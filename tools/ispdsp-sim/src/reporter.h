@@ -67,6 +67,8 @@ public:
 
     void flush() { formatter_->flush(); }
     bool outputFailed() const { return formatter_->failed(); }
+    // errno of the first failed write (0 when none failed or it was not known).
+    int outputErrno() const { return outputErrno_; }
     void finish();
 
 private:
@@ -76,6 +78,7 @@ private:
     std::vector<std::string> operationLog_;
     std::map<std::string, int64_t> messageCounts_;
     int64_t failures_ = 0;
+    int outputErrno_ = 0;
 };
 
 // Installs the reporter as the host layer's log sink for its lifetime.

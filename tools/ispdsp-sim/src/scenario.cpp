@@ -1,16 +1,13 @@
 #include "scenario.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <utility>
 
+#include "input_file.h"
 #include "ispdsp/fusion.h"
 
 namespace ispsim {
@@ -368,11 +365,9 @@ Scenario parseScenario(const std::string& text, const std::string& displayName, 
 }
 
 Scenario loadScenario(const std::string& path, std::optional<int64_t> framesOverride) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw ScenarioError(path + ": cannot open the scenario file (" + std::strerror(errno) + ")");
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (in.bad()) throw ScenarioError(path + ": cannot read the scenario file");
-    return parseScenario(text, path, framesOverride);
+    const ispdsp::tools::InputFile file = ispdsp::tools::readInputFileOfKind(path, ispdsp::tools::FileKind::JsonText);
+    if (!file.ok()) throw ScenarioError(file.error);
+    return parseScenario(std::string(file.bytes.begin(), file.bytes.end()), path, framesOverride);
 }
 
 }  // namespace ispsim

@@ -31,6 +31,10 @@ SimSandbox::SimSandbox(const std::optional<std::string>& root, bool keep) {
         root_ = pattern;
         remove_ = !keep;
     }
+    for (const char* dir : kWritableDeviceDirs) {
+        fs::create_directories(hostPath(dir), ec);
+        if (ec) throw SandboxError("cannot create " + hostPath(dir) + ": " + ec.message());
+    }
     setenv(kRootVariable, root_.c_str(), 1);
 }
 

@@ -14,6 +14,8 @@ inline constexpr const char* kTuningDevicePath = "/var/tmp/dsp_isp_para.bin";
 inline constexpr const char* kCalibrationDevicePath = "/var/tmp/calibration.txt";
 inline constexpr const char* kNirDevicePath = "/tmp/nir.txt";
 inline constexpr const char* kRlrDevicePath = "/var/custom/rlr_para.bin";
+// Folders the driver writes into but never creates: the RLR flash copy.
+inline constexpr const char* kWritableDeviceDirs[] = {"/mnt/mtd/3A"};
 // Per-pipe parameter files, used when the pipes get different tunings.
 std::string pipeTuningDevicePath(uint32_t pipeId);
 

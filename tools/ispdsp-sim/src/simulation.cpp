@@ -10,6 +10,7 @@
 #include "console.h"
 #include "dsp_endpoint.h"
 #include "driver_library.h"
+#include "input_checks.h"
 #include "options.h"
 #include "pipe_pair.h"
 #include "progress.h"
@@ -42,6 +43,7 @@ class ResultStream {
 public:
     bool open(const std::optional<std::string>& path) {
         std::fflush(stdout);
+        name_ = path ? *path : "standard output";
         if (path) {
             file_ = std::fopen(path->c_str(), "w");
             if (file_ == nullptr) {
@@ -61,14 +63,28 @@ public:
         dup2(STDERR_FILENO, STDOUT_FILENO);
         return true;
     }
-    ~ResultStream() {
-        if (file_ != nullptr) std::fclose(file_);
+    // Flushes and closes; false, said on stderr, when anything written was
+    // lost (a full disk, /dev/full). A reader that went away (closed pipe)
+    // gets no message: nobody is reading any more.
+    bool close(int earlierErrno = 0) {
+        if (file_ == nullptr) return true;
+        errno = 0;
+        const bool flushed = std::fflush(file_) == 0 && std::ferror(file_) == 0;
+        const int error = earlierErrno != 0 ? earlierErrno : errno;
+        const bool closed = std::fclose(file_) == 0;
+        file_ = nullptr;
+        if (flushed && closed) return true;
+        if (error != EPIPE)
+            complain("cannot write the results to " + name_ + ": " + (error != 0 ? std::strerror(error) : "write error"));
+        return false;
     }
+    ~ResultStream() { close(); }
     std::FILE* file() const { return file_; }
     bool terminal() const { return terminal_; }
 
 private:
     std::FILE* file_ = nullptr;
+    std::string name_;
     bool terminal_ = false;
 };
 
@@ -159,6 +175,10 @@ int runSimulation(const Options& options) {
         scenario = loadScenario(options.scenario, options.frames);
     } catch (const ScenarioError& e) {
         complain(std::string("bad scenario: ") + e.what());
+        return kExitUsage;
+    }
+    if (const auto problem = checkInputFiles(options)) {
+        complain(*problem);
         return kExitUsage;
     }
 
@@ -254,6 +274,7 @@ int runSimulation(const Options& options) {
                                {"failedCalls", reporter.failures()}});
     reporter.finish();
     removeDspEndpoint();
+    if (!results.close(reporter.outputErrno()) && status == kExitOk) status = kExitRunFailed;
     return status;
 }
 

@@ -18,6 +18,7 @@ void installStopHandlers() {
     action.sa_flags = 0;  // no SA_RESTART: a console read returns and the loop sees the request
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGHUP, &action, nullptr);  // a closed terminal: clean up like Ctrl-C
     signal(SIGPIPE, SIG_IGN);
 }
 

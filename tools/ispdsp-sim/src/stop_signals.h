@@ -1,11 +1,11 @@
-// Ctrl-C, SIGTERM and a closed output pipe end a run between frames instead
+// Ctrl-C, SIGTERM, SIGHUP and a closed output pipe end a run between frames instead
 // of killing the process, so the pipes are still stopped and deleted and a
 // temporary sandbox root is removed.
 #pragma once
 
 namespace ispsim {
 
-// SIGINT and SIGTERM set the stop request (reads are interrupted, not
+// SIGINT, SIGTERM and SIGHUP set the stop request (reads are interrupted, not
 // restarted); SIGPIPE is ignored so a closed pipe shows as a write error.
 void installStopHandlers();
 bool stopRequested();

@@ -1,0 +1,18 @@
+// The files a run is given, checked before anything starts: each must be
+// readable and of the kind its option expects, so a directory, a missing file
+// or a tuning binary given as --rlr is refused with one line that names the
+// option, the path and what the file seems to be (exit status 2).
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "options.h"
+
+namespace ispsim {
+
+// The first problem, as "--rlr PATH: seems to be an ISP parameter file, not an
+// RLR table file"; nothing when every file is fine.
+std::optional<std::string> checkInputFiles(const Options& options);
+
+}  // namespace ispsim
