@@ -1,26 +1,38 @@
-// Per-frame fusion work against a plain copy of the sixteen stored records:
-//   BM_FusionCopyBaseline   memcpy of the 8704-byte record array
-//   BM_FusionCalculate      DRV_dspCalculateFusion (26 scalars + 511 curve points)
-//   BM_FusionDoubleCalculate DRV_dspDoubleCalculateFusion
-//   BM_FusionSetMessage     DRV_dspOpSetFusion into a callback that does nothing
-// ns_per_call is CPU time per call; x_copy is that over the baseline's.
+// The stages of one OpSetFusion, each on its own through the public ABI, in
+// the order the per-frame update runs them:
+//   BM_StageReadBack         DRV_dspOpGetFusion from a callback that answers 0
+//   BM_StageCalculate        DRV_dspCalculateFusion (26 scalars + 511 curve points)
+//   BM_StageSwitchMessage    DRV_dspOpSetFSSWITCH into a callback that does nothing
+//   BM_StageDoubleCalculate  DRV_dspDoubleCalculateFusion
+//   BM_StageFusionMessage    DRV_dspOpSetFusion into a callback that does nothing
+//   BM_StageInfoLine         the one "pswitch" line through the cheap log service
+// ns_per_call is CPU time per call, x_floor that over BM_Floor's.
 #include <benchmark/benchmark.h>
 
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <ctime>
 #include <memory>
 
+#include "bench_clock.h"
 #include "ispdsp/fusion.h"
+#include "ispdsp/osa.h"
 
 namespace {
+
+using ispdsp_bench::runTimed;
 
 struct FusionInput {
     std::unique_ptr<DSP_FusionCalculateParam> calc = std::make_unique<DSP_FusionCalculateParam>();
     DRV_gainInterParam gain{};
     std::array<uint8_t, FUSION_NIR_POINTS> curve{}, colourCurve{}, monoCurve{};
     DSP_FusionV2722 out{}, colour{}, mono{};
+    DRV_dspIspHandle handle{};
+
+    static Int32 acceptMessage(DRV_dspIspCfgOpsCtrl*, Ptr message) {
+        benchmark::DoNotOptimize(message);
+        return 0;
+    }
 
     FusionInput() {
         uint32_t x = 1;
@@ -40,79 +52,55 @@ struct FusionInput {
             colourCurve[i] = uint8_t(i * 7);
             monoCurve[i] = uint8_t(i * 13);
         }
+        handle.dspIspCfgOps.OpSetDspConfig = acceptMessage;
+        handle.dspIspCfgOps.OpGetDspConfig = acceptMessage;
     }
 };
 
-// CPU time of this thread, so the figures hold on a busy machine too.
-double threadCpuNs() {
-    timespec ts{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return double(ts.tv_sec) * 1e9 + double(ts.tv_nsec);
-}
-
-double gCopyNs = 0;  // the baseline's CPU time per call, once measured
-
-// Sets ns_per_call and, once the baseline ran, x_copy (time over the copy's).
-void report(benchmark::State& state, double cpuNs) {
-    const double perCall = state.iterations() ? cpuNs / double(state.iterations()) : 0;
-    state.counters["ns_per_call"] = perCall;
-    if (gCopyNs > 0) state.counters["x_copy"] = perCall / gCopyNs;
-}
-
-void BM_FusionCopyBaseline(benchmark::State& state) {
+void BM_StageReadBack(benchmark::State& state) {
     FusionInput in;
-    auto copy = std::make_unique<std::array<CFG_DSP_FusionV2722, FUSION_GAIN_STEPS>>();
-    const double t0 = threadCpuNs();
-    for (auto _ : state) {
-        std::memcpy(copy->data(), in.calc->fusionParam, sizeof *copy);
-        benchmark::DoNotOptimize(copy->data());
-        benchmark::ClobberMemory();
-    }
-    const double cpuNs = threadCpuNs() - t0;
-    if (state.iterations()) gCopyNs = cpuNs / double(state.iterations());
-    state.counters["ns_per_call"] = gCopyNs;
+    runTimed(state, [&] { benchmark::DoNotOptimize(DRV_dspOpGetFusion(&in.out, &in.handle)); });
 }
-BENCHMARK(BM_FusionCopyBaseline);
+BENCHMARK(BM_StageReadBack);
 
-void BM_FusionCalculate(benchmark::State& state) {
+void BM_StageCalculate(benchmark::State& state) {
     FusionInput in;
-    const double t0 = threadCpuNs();
-    for (auto _ : state) {
+    runTimed(state, [&] {
         benchmark::DoNotOptimize(DRV_dspCalculateFusion(in.calc.get(), &in.out));
         benchmark::ClobberMemory();
-    }
-    report(state, threadCpuNs() - t0);
+    });
 }
-BENCHMARK(BM_FusionCalculate);
+BENCHMARK(BM_StageCalculate);
 
-void BM_FusionDoubleCalculate(benchmark::State& state) {
+void BM_StageSwitchMessage(benchmark::State& state) {
+    FusionInput in;
+    runTimed(state, [&] { benchmark::DoNotOptimize(DRV_dspOpSetFSSWITCH(&in.out, &in.handle)); });
+}
+BENCHMARK(BM_StageSwitchMessage);
+
+void BM_StageDoubleCalculate(benchmark::State& state) {
     FusionInput in;
     DSP_DoubleFusionCalculateParam dbl{0, &in.colour, &in.mono};
-    const double t0 = threadCpuNs();
-    for (auto _ : state) {
+    runTimed(state, [&] {
         benchmark::DoNotOptimize(DRV_dspDoubleCalculateFusion(&dbl, &in.out));
         benchmark::ClobberMemory();
-    }
-    report(state, threadCpuNs() - t0);
+    });
 }
-BENCHMARK(BM_FusionDoubleCalculate);
+BENCHMARK(BM_StageDoubleCalculate);
 
-Int32 acceptMessage(DRV_dspIspCfgOpsCtrl*, Ptr message) {
-    benchmark::DoNotOptimize(message);
-    return 0;
-}
-
-void BM_FusionSetMessage(benchmark::State& state) {
+void BM_StageFusionMessage(benchmark::State& state) {
     FusionInput in;
-    DRV_dspIspHandle handle{};
-    handle.dspIspCfgOps.OpSetDspConfig = acceptMessage;
-    handle.dspIspCfgOps.OpGetDspConfig = acceptMessage;
-    const double t0 = threadCpuNs();
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(DRV_dspOpSetFusion(&in.out, &handle));
-    }
-    report(state, threadCpuNs() - t0);
+    runTimed(state, [&] { benchmark::DoNotOptimize(DRV_dspOpSetFusion(&in.out, &in.handle)); });
 }
-BENCHMARK(BM_FusionSetMessage);
+BENCHMARK(BM_StageFusionMessage);
+
+void BM_StageInfoLine(benchmark::State& state) {
+    Int32 pSwitch = 1;
+    runTimed(state, [&] {
+        benchmark::DoNotOptimize(pSwitch);
+        OSA_logWrite(2, 2, "[DSP_DRV] pswitch=%d\n", pSwitch);
+    });
+}
+BENCHMARK(BM_StageInfoLine);
 
 }  // namespace
