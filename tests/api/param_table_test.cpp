@@ -6,8 +6,6 @@
 
 #include <climits>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,9 +13,7 @@
 #include "ispdsp/osa.h"
 #include "ispdsp/param_table.h"
 #include "support/log_capture.h"
-#include "support/mem_guard.h"
 #include "support/param_file_builder.h"
-#include "support/sandbox.h"
 
 namespace {
 
@@ -213,31 +209,6 @@ TEST(TableSelection, MissingTablesFallBackOrFailKeepingThePreviousChoice) {
     CFG_ispParamCondition state = states(false)[0];
     EXPECT_EQ(DRV_ispChooseCurParamDSP(&state, nullptr), -1);
     EXPECT_EQ(log.count("cfgConditon is NULL or dspCfgTables is NULL!\n"), 2u);
-}
-
-// The sample tuning file loads, registers in place and serves every state.
-TEST(TableSelection, SampleFileLoadsRegistersAndServesEveryState) {
-    std::string path = __FILE__;
-    std::ifstream in(path.substr(0, path.rfind("/tests/")) + "/data/sample/dsp_isp_para.bin", std::ios::binary);
-    if (!in) GTEST_SKIP() << "no sample tuning file";
-    ispdsp_test::Sandbox sandbox;
-    sandbox.writeFile("/var/tmp/dsp_isp_para.bin", std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {}));
-    ispdsp_test::MemGuard mem;
-    ispdsp_test::LogCapture log;
-    CFG_IspParamTable header{};
-    Ptr buffer = nullptr;
-    ASSERT_EQ(DRV_ispCfgLoad("/var/tmp/dsp_isp_para.bin", ISPDSP_PARAM_FILE_VERSION, &header, &buffer), 0);
-    CFG_DspIspCfgTables set{};
-    ASSERT_EQ(DRV_ispCommonTable2DspTable(&header, buffer, set.paramTables), 0);
-    for (const CFG_DspIspCfgParam* table : set.paramTables) {
-        if (table == nullptr) continue;
-        const auto offset = reinterpret_cast<const Uint8*>(table) - static_cast<const Uint8*>(buffer);
-        EXPECT_TRUE(offset % kEntry == 4 && offset < Int64{header.cfg_specParam.size}) << offset;
-    }
-    log.clear();
-    for (CFG_ispParamCondition s : states(false)) EXPECT_EQ(DRV_ispChooseCurParamDSP(&s, &set), 0);
-    EXPECT_TRUE(log.lines().empty());
-    OSA_memUFree(buffer);
 }
 
 }  // namespace

@@ -134,10 +134,6 @@ TEST_F(Registration, MalformedHeaderFailsThePlaceAndTheNextIsTried) {
     EXPECT_EQ(DRV_ispRegistrateCfgLoad(), 2);
     EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispGetRegistrateCfg", "getPropertyCfgNew failed\n"), 1u);
     EXPECT_EQ(drvRegistrateParam.zoomX[0], 7);
-    char buffer[ispdsp::kRegistrateLineSize] = {};
-    Int32 zoomNum = 0, regNum = 0;
-    EXPECT_EQ(DRV_ispGetPropertyCfg(buffer, nullptr, &zoomNum, &regNum), -1);
-    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetPropertyCfg", "param is null!\n"), 1u);
 }
 
 // A file and what it must leave: counts, every zoom position and every pair (addr, data).
