@@ -251,34 +251,51 @@ TEST(CalMessage, CarriesTheAddressOfThePathAt88AndNothingElse) {
 
 // ---- Fusion read-back ----
 
-class FusionGet : public testing::Test {
-protected:
-    FusionGet() : fusion(2), before(fusion.record) {
-        for (size_t i = 0; i < sizeof reply; ++i) {
-            reinterpret_cast<Uint8*>(&reply)[i] = static_cast<Uint8>(0x30 + i);
-        }
-        dsp.setGetFusionReply(reply);
-    }
-
+// Asks for type 1 with the handle's id in a cleared message and copies only the
+// scalars back. A failing callback's result is printed and returned, a missing
+// one warns and fails, a null argument is reported (not part of the documented
+// read-back, which checks none) instead of crashing the host: the record stays.
+TEST(FusionGet, CopiesOnlyTheScalarsAndOnlyOnSuccess) {
     DspCapture dsp;
     DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    FusionRecord fusion;
-    DSP_FusionV2722 before;
+    FusionRecord fusion(2);
+    const DSP_FusionV2722 before = fusion.record;
     FUSION_PARAM_V2_7_22 reply;
-};
+    for (size_t i = 0; i < sizeof reply; ++i) reinterpret_cast<Uint8*>(&reply)[i] = static_cast<Uint8>(0x30 + i);
+    dsp.setGetFusionReply(reply);  // written into the message whatever the result
 
-// Asks for type 1 with the handle's id in a cleared message and copies only the scalars back.
-TEST_F(FusionGet, CopiesOnlyTheScalarsOnSuccess) {
+    struct Case {
+        Int32 result;
+        bool withCallback, withRecord, withHandle;
+        DspPrint print;
+        const char* argument;
+    };
+    const Case failures[] = {{-7, true, true, true, DspPrint::GetError, ""},
+                             {-1, false, true, true, DspPrint::GetMissing, ""},
+                             {-1, true, false, true, DspPrint::NullPointer, "param"},
+                             {-1, true, true, false, DspPrint::NullPointer, "dspOps"}};
+    for (const Case& c : failures) {
+        dsp.setGetResult(c.result);
+        handle.dspIspCfgOps.OpGetDspConfig = c.withCallback ? DspCapture::getCallback() : nullptr;
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(DRV_dspOpGetFusion(c.withRecord ? &fusion.record : nullptr, c.withHandle ? &handle : nullptr),
+                  c.result);
+        EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), c.print, "DRV_dspOpGetFusion", c.argument));
+        EXPECT_EQ(std::memcmp(&fusion.record, &before, sizeof before), 0);
+    }
+    EXPECT_EQ(dsp.gets().size(), 1u);
+
+    dsp.setGetResult(0);
+    dsp.clearCalls();
+    handle.dspIspCfgOps.OpGetDspConfig = DspCapture::getCallback();
     testing::internal::CaptureStdout();
     EXPECT_EQ(DRV_dspOpGetFusion(&fusion.record, &handle), 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-
     const auto* got = reinterpret_cast<const Uint8*>(&fusion.record.fusionParam);
     const auto* old = reinterpret_cast<const Uint8*>(&before.fusionParam);
     EXPECT_EQ(std::memcmp(got, &reply, 33), 0);
     EXPECT_EQ(std::memcmp(got + 33, old + 33, 31), 0);  // reserved, w_nir, reserved
     EXPECT_EQ(fusion.record.pSwtich, 2u);
-    EXPECT_EQ(fusion.record.fusionParam.w_nir, fusion.curve.data());
     EXPECT_TRUE(dsp.sets().empty());
     ASSERT_EQ(dsp.gets().size(), 1u);
     const DspCall& asked = dsp.gets()[0];
@@ -286,39 +303,6 @@ TEST_F(FusionGet, CopiesOnlyTheScalarsOnSuccess) {
     EXPECT_EQ(asked.ctrl.nId, kHandleId);
     EXPECT_TRUE(asked.ctrlReservedZero());
     EXPECT_EQ(asked.firstNonZeroExcept({}), std::nullopt);
-}
-
-// A failing callback's result is printed and returned; a missing one warns and fails. Either
-// way the record stays as it was.
-TEST_F(FusionGet, FailingOrMissingCallbackLeavesTheRecord) {
-    dsp.setGetResult(-7);  // the reply is still written into the message
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(DRV_dspOpGetFusion(&fusion.record, &handle), -7);
-    EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::GetError, "DRV_dspOpGetFusion"));
-    EXPECT_EQ(std::memcmp(&fusion.record, &before, sizeof before), 0);
-
-    handle.dspIspCfgOps.OpGetDspConfig = nullptr;
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(DRV_dspOpGetFusion(&fusion.record, &handle), -1);
-    EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::GetMissing, "DRV_dspOpGetFusion"));
-    EXPECT_EQ(std::memcmp(&fusion.record, &before, sizeof before), 0);
-    EXPECT_EQ(dsp.gets().size(), 1u);
-}
-
-// Not part of the documented read-back, which checks no argument: a null one
-// is reported like the Sets' and fails instead of crashing the host.
-TEST_F(FusionGet, NullArgumentsAreReportedInsteadOfCrashing) {
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(DRV_dspOpGetFusion(nullptr, nullptr), -1);
-    EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::NullPointer, "DRV_dspOpGetFusion",
-                           "param"));
-
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(DRV_dspOpGetFusion(&fusion.record, nullptr), -1);
-    EXPECT_TRUE(isDspPrint(testing::internal::GetCapturedStdout(), DspPrint::NullPointer, "DRV_dspOpGetFusion",
-                           "dspOps"));
-    EXPECT_EQ(std::memcmp(&fusion.record, &before, sizeof before), 0);
-    EXPECT_TRUE(dsp.gets().empty());
 }
 
 }  // namespace

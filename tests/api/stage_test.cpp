@@ -67,7 +67,7 @@ TEST_P(StageContract, CalculationHoldsEachFieldToItsRangeAndWritesNothingElse) {
         EXPECT_EQ(get(payload, row.out), calculated(row, allOnes(row.in))) << "payload offset " << row.out.offset;
     }
     for (size_t i = 0; i < api.payloadSize; ++i) {
-        if (!mapped[i]) EXPECT_EQ(payload[i], kSentinel) << "payload byte " << i;
+        EXPECT_TRUE(mapped[i] || payload[i] == kSentinel) << "payload byte " << i;
     }
 }
 
@@ -154,169 +154,142 @@ TEST_P(StageContract, CalculationAndPrintLogTheirExactLines) {
 
 // ---- The stages: fields, documented ranges, debug ids and lines ----
 
+#define STAGE_TYPES(Name, Ver)              \
+    using Rec = CFG_DSP_##Name##Ver;        \
+    using In = DSP_##Name##CalculateParam;  \
+    using Out = DSP_##Name##Ver;            \
+    (void)sizeof(In)
+
 StageCase dlae() {
-    using Rec = CFG_DSP_DlaeV101;
-    using In = DSP_DlaeCalculateParam;
-    using Out = DSP_DlaeV101;
+    STAGE_TYPES(Dlae, V101);
+#define F(rec, id, lo, hi) ROW(rec, dlaeParam.vorn_hi_dlae_##rec, id, lo, hi, #rec)
+    // Id 1 is the payload's debug_pin slot: accepted, no record field.
     return {STAGE_API(Dlae, V101, "dlaeCalParam", "cfgDlaeParam"),
-            {ROW(fusion_weight, dlaeParam.vorn_hi_dlae_fusion_weight, 0, 0, 8, "fusion_weight"),
-             PIN_ROW(dlaeParam.vorn_hi_dlae_debug_pin),  // id 1: the payload's debug_pin slot, no record field
-             ROW(window_gain, dlaeParam.vorn_hi_dlae_window_gain, 2, 128, 512, "window_gain"),
-             ROW(gamma, dlaeParam.vorn_hi_dlae_gamma, 3, 0, 6, "gamma"),
-             ROW(edge, dlaeParam.vorn_hi_dlae_edge, 4, 0, 12, "edge"),
-             ROW(denoise, dlaeParam.vorn_hi_dlae_denoise, 5, 0, 5, "denoise")},
+            {F(fusion_weight, 0, 0, 8), PIN_ROW(dlaeParam.vorn_hi_dlae_debug_pin), F(window_gain, 2, 128, 512),
+             F(gamma, 3, 0, 6), F(edge, 4, 0, 12), F(denoise, 5, 0, 5)},
             6, false, "[DSP_DRV] dlae ", "!\n",
             {"[DSP_DRV] [set DLAE]fusion_weight=1,window_gain=128,gamma=6,edge=9,denoise=5,debug_pin=1!\n"},
             {"[DSP_DRV] [cfg DLAE]fusion_weight=255,window_gain=12,gamma=13,edge=14,denoise=15!\n"}};
+#undef F
 }
 
 StageCase dlcfa() {
-    using Rec = CFG_DSP_DlcfaV101;
-    using In = DSP_DlcfaCalculateParam;
-    using Out = DSP_DlcfaV101;
+    STAGE_TYPES(Dlcfa, V101);
+#define F(rec, id, hi) ROW(rec, dlcfaParam.vorn_hi_dlcfa_##rec, id, 0, hi, #rec)
     return {STAGE_API(Dlcfa, V101, "dlcfaCalParam", "cfgDlcfaParam"),
-            {ROW(ee_level, dlcfaParam.vorn_hi_dlcfa_ee_level, 0, 0, 511, "ee_level"),
-             ROW(gamma, dlcfaParam.vorn_hi_dlcfa_gamma, 1, 0, 6, "gamma"),
-             ROW(luma_contrast, dlcfaParam.vorn_hi_dlcfa_luma_contrast, 2, 0, 11, "luma_contrast"),
-             ROW(denoise, dlcfaParam.vorn_hi_dlcfa_denoise, 3, 0, 4, "denoise"),
-             ROW(fusion_weight, dlcfaParam.vorn_hi_dlcfa_fusion_weight, 4, 0, 7, "fusion_weight"),
+            {F(ee_level, 0, 511), F(gamma, 1, 6), F(luma_contrast, 2, 11), F(denoise, 3, 4), F(fusion_weight, 4, 7),
              PIN_ROW(dlcfaParam.vorn_hi_dlcfa_debug_pin)},
             5, false, "[DSP_DRV] dlcfa ", "!\n",
             {"[DSP_DRV] [set DLCFA]ee_level=1,gamma=3,luma_contrast=5,denoise=4,fusion_weight=7,debug_pin=1!\n"},
             {"[DSP_DRV] [cfg DLCFA]ee_level=65535,gamma=11,luma_contrast=12,denoise=13,fusion_weight=14!\n"}};
+#undef F
 }
 
 StageCase fg2c() {
-    using Rec = CFG_DSP_Fg2cV102;
-    using In = DSP_Fg2cCalculateParam;
-    using Out = DSP_Fg2cV102;
+    STAGE_TYPES(Fg2c, V102);
+#define F(rec, id, hi) ROW(rec, fg2cParam.vorn_hi_fg2c_##rec, id, 0, hi, #rec)
     return {STAGE_API(Fg2c, V102, "fg2cCalParam", "cfgFg2cParam"),
-            {ROW(need_win_enhence, fg2cParam.vorn_hi_fg2c_need_win_enhence, 0, 0, 2, "need_win_enhence"),
-             ROW(win_fusion_weight, fg2cParam.vorn_hi_fg2c_win_fusion_weight, 1, 0, 8, "win_fusion_weight"),
-             ROW(face_fusion_weight, fg2cParam.vorn_hi_fg2c_face_fusion_weight, 2, 0, 8, "face_fusion_weight"),
-             ROW(face_fusion_pad, fg2cParam.vorn_hi_fg2c_face_fusion_pad, 3, 0, 20, "face_fusion_pad"),
-             PIN_ROW(fg2cParam.vorn_hi_fg2c_debug_pin)},
+            {F(need_win_enhence, 0, 2), F(win_fusion_weight, 1, 8), F(face_fusion_weight, 2, 8),
+             F(face_fusion_pad, 3, 20), PIN_ROW(fg2cParam.vorn_hi_fg2c_debug_pin)},
             4, false, "[DSP_DRV] fg2c ", "\n", {},
             {"[DSP_DRV] [cfg FG2C]need_win_enhence=255,win_fusion_weight=11,face_fusion_weight=12,"
              "face_fusion_pad=13.\n"}};
+#undef F
 }
 
 StageCase lle() {
-    using Rec = CFG_DSP_LleV203;
-    using In = DSP_LleCalculateParam;
-    using Out = DSP_LleV203;
+    STAGE_TYPES(Lle, V203);
+#define F(rec, id, lo, hi) ROW(rec, lleParam.vorn_hi_lle_##rec, id, lo, hi, #rec)
     return {STAGE_API(Lle, V203, "lleCalParam", "cfgLleParam"),
-            {ROW(window_gain, lleParam.vorn_hi_lle_window_gain, 0, 128, 512, "window_gain"),
-             ROW(gamma, lleParam.vorn_hi_lle_gamma, 1, 0, 6, "gamma"),
-             ROW(edge, lleParam.vorn_hi_lle_edge, 2, 0, 32, "edge"),
-             ROW(denoise, lleParam.vorn_hi_lle_denoise, 3, 0, 5, "denoise"),
-             ROW(fusion_weight, lleParam.vorn_hi_lle_fusion_weight, 4, 0, 7, "fusion_weight"),
-             PIN_ROW(lleParam.vorn_hi_lle_debug_pin)},
+            {F(window_gain, 0, 128, 512), F(gamma, 1, 0, 6), F(edge, 2, 0, 32), F(denoise, 3, 0, 5),
+             F(fusion_weight, 4, 0, 7), PIN_ROW(lleParam.vorn_hi_lle_debug_pin)},
             5, true, "[DSP_DRV] lle ", "\n",
             {"[DSP_DRV] [set LLE]window_gain=128,gamma=3,edge=5,denoise=5,fusion_weight=7,debug_pin=1\n"},
             {"[DSP_DRV] [cfg LLE]window_gain=65535,gamma=11,edge=12,denoise=13,fusion_weight=14\n"}};
+#undef F
 }
 
 StageCase lsm() {
-    using Rec = CFG_DSP_LsmV112;
-    using Out = DSP_LsmV112;
+    STAGE_TYPES(Lsm, V112);
+#define F(rec, id) ROW(rec, lsmParam.rec, id, 0, 1024, #rec)
     // Payload bytes 8..29 (aw_wr .. rep_center_y) are the host's.
     return {STAGE_API(Lsm, V112, "lsmCalParam", "cfgLsmParam"),
-            {ROW(aw_left_thr, lsmParam.aw_left_thr, 0, 0, 1024, "aw_left_thr"),
-             ROW(aw_right_thr, lsmParam.aw_right_thr, 1, 0, 1024, "aw_right_thr"),
-             ROW(aw_top_thr, lsmParam.aw_top_thr, 2, 0, 1024, "aw_top_thr"),
-             ROW(aw_bottom_thr, lsmParam.aw_bottom_thr, 3, 0, 1024, "aw_bottom_thr")},
+            {F(aw_left_thr, 0), F(aw_right_thr, 1), F(aw_top_thr, 2), F(aw_bottom_thr, 3)},
             4, false, "[DSP_DRV] lsm ", "\n", {},
             {"[DSP_DRV] [cfg lsm]aw_left_thr=65535,aw_right_thr=11,aw_top_thr=12,aw_bottom_thr=13\n"}};
+#undef F
 }
 
 StageCase sade() {
-    using Rec = CFG_DSP_SadeV113;
-    using In = DSP_SadeCalculateParam;
-    using Out = DSP_SadeV113;
+    STAGE_TYPES(Sade, V113);
+#define F(rec, id, hi) ROW(rec, sadeParam.vorn_arm_sade_##rec, id, 0, hi, #rec)
     return {STAGE_API(Sade, V113, "sadeCalParam", "cfgsadeParam"),
-            {ROW(model_type, sadeParam.vorn_arm_sade_model_type, 0, 0, 2, "model_type"),
-             ROW(ee_level, sadeParam.vorn_arm_sade_ee_level, 1, 0, 10, "ee_level"),
-             ROW(nr_level, sadeParam.vorn_arm_sade_nr_level, 2, 0, 100, "nr_level"),
-             ROW(black_edge, sadeParam.vorn_arm_sade_black_edge, 3, 0, 200, "black_edge"),
-             ROW(white_edge, sadeParam.vorn_arm_sade_white_edge, 4, 0, 200, "white_edge"),
-             PIN_ROW(sadeParam.vorn_arm_sade_debug_pin),
+            {F(model_type, 0, 2), F(ee_level, 1, 10), F(nr_level, 2, 100), F(black_edge, 3, 200),
+             F(white_edge, 4, 200), PIN_ROW(sadeParam.vorn_arm_sade_debug_pin),
              INPUT_ROW(scene_mode, sadeParam.vorn_arm_sade_scene_mode, 0, 3, Kind::Held)},
             5, false, "[DSP_DRV] sade ", "!\n",
             {"[DSP_DRV] [set sade]model_type=1,scene_mode = 3,ee_level=3,nr_level=5,black_edge=7,white_edge=9,"
              "debug_pin=1!\n"},
             {"[DSP_DRV] [cfg sade]model_type=255,ee_level=11,nr_level=12,black_edge=13,white_edge=14!\n"}};
+#undef F
 }
 
 StageCase sbm3d() {
-    using Rec = CFG_DSP_Sbm3dV113;
-    using In = DSP_Sbm3dCalculateParam;
-    using Out = DSP_Sbm3dV113;
+    STAGE_TYPES(Sbm3d, V113);
     return {STAGE_API(Sbm3d, V113, "sbm3dCalParam", "cfgSbm3dParam"),
             {ROW(sbm3d_threshold, sbm3dParam.sbm3d_thr, 0, 0, 16384, "sbm3d_threshold"),
              PIN_ROW(sbm3dParam.debug_pin)},
-            1, false, "[DSP_DRV] sbm3d ", "\n", {},
-            {"[DSP_DRV] [cfg SBM3D]sbm3d_threshold=65535\n"}};
+            1, false, "[DSP_DRV] sbm3d ", "\n", {}, {"[DSP_DRV] [cfg SBM3D]sbm3d_threshold=65535\n"}};
 }
 
+// Print lines show each stored word as a C %d: 4294967295 shows as -1.
 StageCase yuv2yuv() {
-    using Rec = CFG_DSP_Yuv2yuvV100;
-    using Out = DSP_Yuv2yuvV100;
-    // Print lines show each stored word as a C %d: 4294967295 shows as -1.
-    return {STAGE_API(Yuv2yuv, V100, "yuv2yuvCalParam", "cfgYuv2yuvParam"),
-            {FLAG_ROW(enable, enable, 0, "enable")},
-            1, false, "[DSP_DRV] yuv2yuv ", "\n", {},
-            {"[DSP_DRV] [cfg YUV2YUV]enable=-1\n"}};
+    STAGE_TYPES(Yuv2yuv, V100);
+    return {STAGE_API(Yuv2yuv, V100, "yuv2yuvCalParam", "cfgYuv2yuvParam"), {FLAG_ROW(enable, enable, 0, "enable")},
+            1, false, "[DSP_DRV] yuv2yuv ", "\n", {}, {"[DSP_DRV] [cfg YUV2YUV]enable=-1\n"}};
 }
 
 StageCase fusionPlate() {
-    using Rec = CFG_DSP_FusionPlateV1001;
-    using Out = DSP_FusionPlateV1001;
+    STAGE_TYPES(FusionPlate, V1001);
     Row weight = ROW(fuse_weight, fusionPlateParam.fuse_weight, 0, 1, 100, "weight");
     weight.kind = Kind::Signed;  // a negative weight is below the range, not above it
-    return {STAGE_API(FusionPlate, V1001, "fusionPlateCalParam", "cfgFusionPlateParam"),
-            {weight}, 1, false, "[DSP_DRV] fusionPlate ", "\n", {},
-            {"[DSP_DRV] [cfg FUSION_PLATE]weight=-1\n"}};
+    return {STAGE_API(FusionPlate, V1001, "fusionPlateCalParam", "cfgFusionPlateParam"), {weight}, 1, false,
+            "[DSP_DRV] fusionPlate ", "\n", {}, {"[DSP_DRV] [cfg FUSION_PLATE]weight=-1\n"}};
 }
 
 // LAE: a plate and a window part; the payload orders the plate fields its own way.
 StageCase lae() {
-    using Rec = CFG_DSP_LaeV209;
-    using In = DSP_LaeCalculateParam;
-    using Out = DSP_LaeV209;
-#define PLATE(m, id, lo, hi) ROW(plateLaeParam.m, laeParam.lae_param_plate.m, id, lo, hi, "plate " #m)
-#define WINDOW(m, id, lo, hi) ROW(windowLaeParam.m, laeParam.lae_param_window.m, id, lo, hi, "window " #m)
+    STAGE_TYPES(Lae, V209);
+#define P(m, id, hi) ROW(plateLaeParam.m, laeParam.lae_param_plate.m, id, 0, hi, "plate " #m)
+#define W(m, id, hi) ROW(windowLaeParam.m, laeParam.lae_param_window.m, id, 0, hi, "window " #m)
     return {STAGE_API(Lae, V209, "laeCalParam", "cfgLaeParam"),
             {FLAG_ROW(plateLaeParam.manual_en, laeParam.lae_param_plate.manual_en, 0, "plate manual_en"),
-             PLATE(gbce_lut_index, 2, 0, 11), PLATE(gbce_level, 1, 0, 4), PLATE(nf_level, 4, 0, 100),
-             PLATE(ee_level, 3, 0, 5), PLATE(blue_color_level, 5, 0, 9), PLATE(green_luma_ave_thr, 6, 0, 255),
-             PLATE(green_bg_noise_level, 7, 0, 512), PLATE(green_color_level, 8, 0, 9),
-             PLATE(blue_binary_thr, 9, 0, 255), PLATE(blue_proc_thr, 10, 0, 255),
+             P(gbce_lut_index, 2, 11), P(gbce_level, 1, 4), P(nf_level, 4, 100), P(ee_level, 3, 5),
+             P(blue_color_level, 5, 9), P(green_luma_ave_thr, 6, 255), P(green_bg_noise_level, 7, 512),
+             P(green_color_level, 8, 9), P(blue_binary_thr, 9, 255), P(blue_proc_thr, 10, 255),
              PIN_ROW(laeParam.lae_param_plate.debug_pin),
              FLAG_ROW(windowLaeParam.manual_en, laeParam.lae_param_window.manual_en, 11, "window manual_en"),
-             WINDOW(gbce_lut_index, 13, 0, 11),
+             W(gbce_lut_index, 13, 11),
              ROW(windowLaeParam.gbce_level, laeParam.lae_param_window.window_gbce_level, 12, 1, 10,
                  "window gbce_level"),
-             WINDOW(nf_level, 15, 0, 100), WINDOW(ee_level, 14, 0, 5),
-             PIN_ROW(laeParam.lae_param_window.debug_pin)},
+             W(nf_level, 15, 100), W(ee_level, 14, 5), PIN_ROW(laeParam.lae_param_window.debug_pin)},
             16, false, "[DSP_DRV] lae ", "\n", {},
             {"[DSP_DRV] [cfg LAE Plate]manual_en=255,gbce_lut_index=12,gbce_level=11,ee_level=13,,nf_level=14\n",
              "[DSP_DRV] [cfg LAE Plate]blue_color_level=15,green_luma_ave_thr=16,green_bg_noise_level=17,"
              "green_color_level=18,blue_binary_thr=19,blue_proc_thr=20\n",
              "[DSP_DRV] [cfg LAE Window]manual_en=21,gbce_lut_index=23,gbce_level=22,nf_level=25,ee_level=24\n"}};
-#undef PLATE
-#undef WINDOW
+#undef P
+#undef W
 }
 
 // Y2D: the fields pass through (their range is their width), the window size is held to 2..3.
 StageCase y2d() {
-    using Rec = CFG_DSP_Y2dV5118;
-    using Out = DSP_Y2dV5118;
-#define Y2D(m, id, hi) ROW(m, y2dParam.m, id, 0, hi, #m)
+    STAGE_TYPES(Y2d, V5118);
+#define F(m, id, hi) ROW(m, y2dParam.m, id, 0, hi, #m)
     return {STAGE_API(Y2d, V5118, "y2dCalParam", "cfgY2dParam"),
-            {Y2D(sd_spe, 0, 255), Y2D(sd_de_gau0, 1, 255), Y2D(sd_de_gau1, 2, 255), Y2D(sd_dark, 3, 255),
-             Y2D(sd_dark_ra, 4, 255), Y2D(sd_bright, 5, 255), Y2D(sd_bright_ra, 6, 255), Y2D(sd_ee_gau0, 7, 255),
-             Y2D(sd_sigma, 8, 65535), Y2D(sd_ee_gau1, 9, 255), Y2D(sd_ee_slope, 10, 255),
+            {F(sd_spe, 0, 255), F(sd_de_gau0, 1, 255), F(sd_de_gau1, 2, 255), F(sd_dark, 3, 255),
+             F(sd_dark_ra, 4, 255), F(sd_bright, 5, 255), F(sd_bright_ra, 6, 255), F(sd_ee_gau0, 7, 255),
+             F(sd_sigma, 8, 65535), F(sd_ee_gau1, 9, 255), F(sd_ee_slope, 10, 255),
              ROW(win_size, y2dParam.win_size, 11, 2, 3, "win_size")},
             12, true, "[DSP_DRV] y2d ", "\n",
             {"[DSP_DRV] [set Y2D]sd_spe=1,sd_de_gau0=3,sd_de_gau1=5,sd_dark=7,sd_dark_ra=9,sd_bright=11\n",
@@ -324,20 +297,18 @@ StageCase y2d() {
             {"[DSP_DRV] [cfg Y2D]sd_spe=255,sd_de_gau0=11,sd_de_gau1=12,sd_dark=13,sd_dark_ra=14,sd_bright=15\n",
              "[DSP_DRV] [cfg Y2D]sd_bright_ra=16,sd_ee_gau0=17,sd_sigma=18,sd_ee_gau1=19,sd_ee_slope=20,"
              "win_size=21\n"}};
-#undef Y2D
+#undef F
 }
 
 // YLWDR: eighteen upper bounds; the debug setter caps only.
 StageCase ylwdr() {
-    using Rec = CFG_DSP_YlwdrV102;
-    using Out = DSP_YlwdrV102;
-#define YL(m, id, hi) ROW(m, ylwdrParam.m, id, 0, hi, #m)
+    STAGE_TYPES(Ylwdr, V102);
+#define F(m, id, hi) ROW(m, ylwdrParam.m, id, 0, hi, #m)
     return {STAGE_API(Ylwdr, V102, "ylwdrCalParam", "cfgYlwdrParam"),
-            {YL(hist_thr, 0, 65535), YL(scope_thr, 1, 31), YL(lep_alpha, 2, 8192), YL(lut_weight, 3, 256),
-             YL(yout_thr0, 4, 255), YL(yout_thr1, 5, 255), YL(alpha1, 6, 16), YL(alpha2, 7, 16),
-             YL(alpha31, 8, 63), YL(alpha32, 9, 63), YL(d1_thr1, 10, 31), YL(d1_thr2, 11, 64), YL(d1_thr3, 12, 64),
-             YL(d2_thr1, 13, 64), YL(d2_thr2, 14, 64), YL(gamma_coef, 15, 63), YL(uv_thr, 16, 63),
-             YL(uv_gain, 17, 63)},
+            {F(hist_thr, 0, 65535), F(scope_thr, 1, 31), F(lep_alpha, 2, 8192), F(lut_weight, 3, 256),
+             F(yout_thr0, 4, 255), F(yout_thr1, 5, 255), F(alpha1, 6, 16), F(alpha2, 7, 16), F(alpha31, 8, 63),
+             F(alpha32, 9, 63), F(d1_thr1, 10, 31), F(d1_thr2, 11, 64), F(d1_thr3, 12, 64), F(d2_thr1, 13, 64),
+             F(d2_thr2, 14, 64), F(gamma_coef, 15, 63), F(uv_thr, 16, 63), F(uv_gain, 17, 63)},
             18, true, "[DSP_DRV] ylwdr ", "\n",
             {"[DSP_DRV] [set YLWDR]hist_thr=1,scope_thr=3,lep_alpha=5,lut_weight=7,yout_thr0=9,yout_thr1=11\n",
              "[DSP_DRV] [set YLWDR]alpha1=13,alpha2=15,alpha31=17,alpha32=19,d1_thr1=21,d1_thr2=23,,d1_thr3=25\n",
@@ -345,7 +316,7 @@ StageCase ylwdr() {
             {"[DSP_DRV] [cfg YLWDR]hist_thr=-1,scope_thr=11,lep_alpha=12,lut_weight=13,yout_thr0=14,yout_thr1=15\n",
              "[DSP_DRV] [cfg YLWDR]alpha1=16,alpha2=17,alpha31=18,alpha32=19,d1_thr1=20,d1_thr2=21,,d1_thr3=22\n",
              "[DSP_DRV] [cfg YLWDR]d2_thr1=23,d2_thr2=24,gamma_coef=25,uv_thr=26,uv_gain=27\n"}};
-#undef YL
+#undef F
 }
 
 INSTANTIATE_TEST_SUITE_P(Family, StageContract,
