@@ -1,6 +1,8 @@
 #include "console.h"
 
+#include "console_checks.h"
 #include "stop_signals.h"
+#include "tuning_save.h"
 
 #include <unistd.h>
 
@@ -82,8 +84,29 @@ void Console::execute(const std::string& line, const std::vector<std::string>& a
         reporter_.emit("error", Event{{"message", "too many arguments: at most " + std::to_string(kMaxArguments)}});
         return;
     }
+    for (const std::string& warning : consoleValueWarnings(args)) reporter_.emit("warning", Event{{"message", warning}});
     pair_.console(options_.pipe, args, options_.langue);
     nextFrame_();
+}
+
+// "help" is no driver command: the driver answers any unknown name with its
+// menu and -1, which is what the user asked for here, so it is not a failure.
+void Console::showMenu(const std::string& line) {
+    reporter_.emit("console", Event{{"line", line}, {"args", {"help"}}, {"langue", options_.langue}});
+    pair_.console(options_.pipe, {"help"}, options_.langue, "the driver's menu, as asked");
+    reporter_.emit("note", Event{{"message", kConsoleCommandsHelp}});
+}
+
+void Console::save(const std::string& line, const std::vector<std::string>& args) {
+    reporter_.emit("console", Event{{"line", line}, {"args", args}, {"langue", options_.langue}});
+    const CFG_DspIspCfgTables* tables = pair_.tableSet(options_.pipe);
+    if (args.size() != 2 || tables == nullptr || !options_.tuningSource) {
+        reporter_.emit("error", Event{{"message", args.size() != 2 ? "usage: save FILE" : "no tuning to save"}});
+        return;
+    }
+    const SaveResult saved = saveTuning(*tables, *options_.tuningSource, args[1]);
+    reporter_.emit(saved.ok ? "saved" : "error",
+                   Event{{"message", saved.message}, {"file", args[1]}, {"changedTables", saved.changedTables}});
 }
 
 ConsoleEnd Console::run(bool allowContinue) {
@@ -93,7 +116,13 @@ ConsoleEnd Console::run(bool allowContinue) {
         if (args.empty()) continue;
         if (args.size() == 1 && (args[0] == "quit" || args[0] == "exit")) return ConsoleEnd::Quit;
         if (allowContinue && args.size() == 1 && args[0] == "continue") return ConsoleEnd::Continue;
-        execute(line, args);
+        if (args.size() == 1 && args[0] == "help") {
+            showMenu(line);
+        } else if (args[0] == "save") {
+            save(line, args);
+        } else {
+            execute(line, args);
+        }
     }
     return ConsoleEnd::EndOfInput;
 }

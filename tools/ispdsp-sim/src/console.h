@@ -6,6 +6,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,13 @@ namespace ispsim {
 struct ConsoleOptions {
     int pipe = kColorPipe;
     Int32 langue = 0;  // 1: the driver prints its Chinese menu texts
+    std::optional<std::string> tuningSource;  // the console pipe's parameter file, for "save FILE"
 };
+
+// The simulator's own console commands (the rest go to the driver).
+inline constexpr const char* kConsoleCommandsHelp =
+    "simulator commands: save FILE (the tuning with the accepted changes, as tuning.json), "
+    "continue (resume the scenario with --console-every), quit or exit, help (this and the driver's menu)";
 
 enum class ConsoleEnd {
     Quit,        // "quit" or "exit": the run ends
@@ -41,6 +48,8 @@ public:
 private:
     bool readLine(std::string& line);
     void execute(const std::string& line, const std::vector<std::string>& args);
+    void showMenu(const std::string& line);
+    void save(const std::string& line, const std::vector<std::string>& args);
 
     PipePair& pair_;
     Reporter& reporter_;

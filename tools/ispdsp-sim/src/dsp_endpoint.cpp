@@ -45,6 +45,8 @@ Event messageEvent(const char* dir, const DRV_dspIspCfgOpsCtrl* ctrl, const DSP_
     if (decoded.pathText) payload["cfg_path_text"] = *decoded.pathText;
     if (decoded.curve) payload["w_nir"] = byteTableSummary(*decoded.curve, g_endpoint.options.curves);
     if (decoded.strayBytes != 0) payload["stray"] = decoded.strayBytes;
+    if (fromDriver && decoded.type == DSP_AEW_CFG_TYPE_FUSION && g_endpoint.reporter->context().pairStart)
+        payload["expected"] = pairStartMessageNote();
     return payload;
 }
 
@@ -89,6 +91,8 @@ Int32 onSetDrvFlag(const DRV_ispSetDrvFlagParam* param) {
     payload["cmd"] = param->cmdType == ISP_SET_FUSION ? "ISP_SET_FUSION" : "?";
     payload["flag"] = param->flag;
     if (target == nullptr) payload["privData"] = "missing";
+    // The driver asks for the fusion run once per accepted console change.
+    if (reporter.context().op == "OpSetDbgDspParam" && param->flag == 1) reporter.countConsoleChange();
     reporter.emit("flag", payload);
     reporter.context().pipe = saved;
     return 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <map>
 #include <set>
 #include <string>
 
@@ -16,6 +17,14 @@ constexpr size_t kLineWidth = 112;
 constexpr size_t kPipeColumns = 10;                     // "  color   "
 constexpr size_t kFieldColumn = kPipeColumns + 17;      // behind "> FSSWITCH       "
 const std::string kIndent(kFieldColumn, ' ');           // continuation lines
+
+constexpr const char* kLegend =
+    "   how to read it: \"-- frame N (scenario|console)\" starts a frame, with each pipe's run state (gain\n"
+    "   start..end c=interCoff, zoom, dncMode, hdrMode, imageScene, sceneMode, pSwitch); under the pipe,\n"
+    "   \"> STAGE\" is a message sent to the DSP, \"< STAGE read-back\" the driver reading the DSP's values,\n"
+    "   \"refresh -> 0 row R TABLE\" the table the camera state chose, \"flag ISP_SET_FUSION 1/0\" the driver\n"
+    "   asking the host to run/stop its fusion operation, \"I/W/E [DSP_DRV] ...\" the driver's log lines;\n"
+    "   \"(expected: ...)\" marks what the driver does by design; a summary closes the run.\n";
 
 std::string valueText(const Event& value) {
     if (value.is_null()) return "null";
@@ -76,6 +85,8 @@ public:
         if (kind == "rlr") return rlr(e);
         if (kind == "end") return end(e);
         if (kind == "error") return line(e, "error: " + e.value("message", std::string()));
+        if (kind == "warning" || kind == "note") return line(e, kind + ": " + e.value("message", std::string()));
+        if (kind == "saved") return line(e, e.value("message", std::string()));
         line(e, e.dump());
     }
     void flush() override { std::fflush(out_); }
@@ -97,11 +108,14 @@ private:
                      valueText(e["library"]).c_str(), valueText(e["tuning"]["file"]).c_str(),
                      valueText(e["tuning"]["bytes"]).c_str(), valueText(e["tuning"]["crc32"]).c_str());
         std::fprintf(out_, "; calibration %s\n", e["calibration"].is_null() ? "none" : valueText(e["calibration"]).c_str());
+        std::fputs(kLegend, out_);
+        scenario_ = valueText(e["scenario"]);
     }
 
     void phase(const Event& e) { std::fprintf(out_, "-- %s\n", valueText(e["phase"]).c_str()); }
 
     void frame(const Event& e) {
+        ++framesBySource_[valueText(e["source"])];
         std::fprintf(out_, "-- frame %s (%s)\n", valueText(e["frame"]).c_str(), valueText(e["source"]).c_str());
         for (const auto& [pipe, in] : e["inputs"].items()) {
             char text[256];
@@ -142,6 +156,7 @@ private:
         std::fprintf(out_, "%s%s %s\n", prefix.c_str(), head.c_str(),
                      wrapPairs(fields, prefix.size() + head.size() + 1).c_str());
         if (e.contains("w_nir")) curve(e["w_nir"]);
+        if (e.contains("expected")) std::fprintf(out_, "%s%s\n", kIndent.c_str(), expectedText(e).substr(2).c_str());
     }
 
     void curve(const Event& c) {
@@ -173,7 +188,7 @@ private:
         static const std::set<std::string> always = {"DRV_dspIspCreateX", "OpSetFusion", "OpSetDbgDspParam"};
         const std::string op = e.value("op", std::string("?"));
         if (e["ret"] == 0 && always.count(op) == 0) return;
-        line(e, op + " -> " + valueText(e["ret"]));
+        line(e, op + " -> " + valueText(e["ret"]) + expectedText(e));
     }
 
     // Lines with line feeds inside (the console menu) go on under the first.
@@ -188,6 +203,7 @@ private:
             if (end == std::string::npos) break;
             start = end + 1;
         }
+        if (e.contains("expected")) std::fprintf(out_, "%s%s\n", kIndent.c_str(), expectedText(e).substr(2).c_str());
     }
 
     void console(const Event& e) {
@@ -202,19 +218,35 @@ private:
                          valueText(t["max"]).c_str(), valueText(t["mean"]).c_str());
     }
 
+    // The closing summary: what ran, what reached the DSP, what failed for a
+    // real reason (the driver's by-design -1 results are counted apart).
     void end(const Event& e) {
-        std::fprintf(out_, "== done: %s frames; messages", valueText(e["frames"]).c_str());
-        bool any = false;
-        for (const auto& [stage, count] : e["messages"].items()) {
-            std::fprintf(out_, " %s %s", stage.c_str(), valueText(count).c_str());
-            any = true;
-        }
-        if (!any) std::fprintf(out_, " none");
-        std::fprintf(out_, "; failed calls %s\n", valueText(e["failedCalls"]).c_str());
+        std::string frames;
+        for (const auto& [source, count] : framesBySource_)
+            frames += (frames.empty() ? "" : ", ") + std::to_string(count) + " " + source;
+        std::fprintf(out_, "== summary: scenario %s, %s frames%s\n", scenario_.c_str(), valueText(e["frames"]).c_str(),
+                     frames.empty() ? "" : (" (" + frames + ")").c_str());
+        std::string sent;
+        for (const auto& [stage, count] : e["messages"].items()) sent += "  " + stage + " " + valueText(count);
+        std::fprintf(out_, "   messages sent to the DSP:%s\n", sent.empty() ? " none" : sent.c_str());
+        if (e.value("consoleChanges", 0) > 0)
+            std::fprintf(out_, "   console changes accepted by the driver: %s\n", valueText(e["consoleChanges"]).c_str());
+        if (e.value("expectedResults", 0) > 0)
+            std::fprintf(out_, "   -1 results by design (marked \"expected\"): %s\n", valueText(e["expectedResults"]).c_str());
+        std::fprintf(out_, "   failed calls: %s\n", e["failedCalls"] == 0 ? "none" : valueText(e["failedCalls"]).c_str());
+        for (const auto& f : e["failures"])
+            std::fprintf(out_, "     frame %s  %s  %s -> %s\n", valueText(f["frame"]).c_str(), valueText(f["pipe"]).c_str(),
+                         valueText(f["op"]).c_str(), valueText(f["ret"]).c_str());
+    }
+
+    static std::string expectedText(const Event& e) {
+        return e.contains("expected") ? "  (expected: " + e["expected"].get<std::string>() + ")" : std::string();
     }
 
     std::FILE* out_;
     TableOptions options_;
+    std::string scenario_;
+    std::map<std::string, int64_t> framesBySource_;
 };
 
 }  // namespace

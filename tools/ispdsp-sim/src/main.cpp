@@ -116,6 +116,10 @@ int main(int argc, char** argv) {
     app.add_flag("--console", options.console, "read aewDebug commands after the scenario");
     app.add_option("--console-every", options.consoleEvery, "read aewDebug commands every N frames")
         ->check(countRange(1, 1000000));
+    std::string saveTuning;
+    auto* saveOption = app.add_option("--save-tuning", saveTuning,
+                                      "at the end, write the console pipe's tables, with the changes the driver "
+                                      "accepted, as tuning.json (for ispdsp-cfg build)");
     app.add_option("--pipe", pipe, "pipe the console commands go to")
         ->check(CLI::IsMember({"color", "mono"}))
         ->capture_default_str();
@@ -142,6 +146,7 @@ int main(int argc, char** argv) {
     if (rlrOption->count() > 0) options.rlr = rlr.empty() ? sample("rlr_para.bin") : rlr;
     if (framesOption->count() > 0) options.frames = frames;
     if (outputOption->count() > 0 && output != "-") options.output = output;
+    if (saveOption->count() > 0) options.saveTuning = saveTuning;
     options.consolePipe = pipe == "mono" ? ispsim::kMonoPipe : ispsim::kColorPipe;
     options.langue = lang == "zh" ? 1 : 0;
     if (progressAlways) options.progress = ispsim::Options::ProgressMode::On;

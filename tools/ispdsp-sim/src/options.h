@@ -28,6 +28,7 @@ struct Options {
     bool console = false;                 // console after the scenario
     int64_t consoleEvery = 0;             // console every N frames
     int consolePipe = kColorPipe;
+    std::optional<std::string> saveTuning;  // tuning.json of the console pipe's tables at the end
     int32_t langue = 0;
     enum class ProgressMode { Auto, On, Off } progress = ProgressMode::Auto;
 };

@@ -43,9 +43,14 @@ PipePair::PipePair(const DriverApi& api, Reporter& reporter, const StageSender* 
 
 PipePair::~PipePair() = default;
 
-Int32 PipePair::call(int pipe, const char* op, Int32 result) {
-    if (result != 0) reporter_.countFailure();
+Int32 PipePair::call(int pipe, const char* op, Int32 result, const std::string& expected) {
     Event payload{{"op", op}, {"ret", result}};
+    if (result != 0 && !expected.empty()) {
+        payload["expected"] = expected;
+        reporter_.countExpected();
+    } else if (result != 0) {
+        reporter_.countFailure(op, result);
+    }
     reporter_.context().pipe = pipe;
     reporter_.emit("call", payload);
     return result;
@@ -100,6 +105,7 @@ bool PipePair::startAndLink() {
         if (call(pipe.index, "OpSetRefPipeParams", pipe.ops->OpSetRefPipeParams(pipe.ops.get(), &ref)) != 0)
             return fail(std::string("OpSetRefPipeParams of the ") + pipeName(pipe.index) + " pipe failed");
     }
+    fusedSinceLink_ = {};
     return true;
 }
 
@@ -120,7 +126,7 @@ void PipePair::refresh(Pipe& pipe) {
     reporter_.beginOperation(pipe.index, "OpRefreshCfg");
     Int32 changed = -1;  // stays -1 when the driver does not write it
     const Int32 result = pipe.ops->OpRefreshCfg(pipe.ops.get(), &changed);
-    if (result != 0) reporter_.countFailure();
+    if (result != 0) reporter_.countFailure("OpRefreshCfg", result);
     Event payload{{"op", "OpRefreshCfg"}, {"ret", result}};
     payload["cfgChanged"] = changed >= 0 ? Event(changed) : Event(nullptr);
     // The choice, read through the table set that ispParam points at.
@@ -160,7 +166,11 @@ void PipePair::runFrame(const FrameInput& input, int64_t frame, const char* sour
     for (Pipe& pipe : pipes_) refresh(pipe);
     for (Pipe& pipe : pipes_) {
         reporter_.beginOperation(pipe.index, "OpSetFusion");
-        call(pipe.index, "OpSetFusion", pipe.ops->OpSetFusion(pipe.ops.get()));
+        reporter_.context().pairStart = !fusedSinceLink_[1 - pipe.index];
+        const Int32 result = pipe.ops->OpSetFusion(pipe.ops.get());
+        call(pipe.index, "OpSetFusion", result, reporter_.context().pairStart ? pairStartCallNote() : std::string());
+        reporter_.context().pairStart = false;
+        fusedSinceLink_[pipe.index] = true;
     }
     if (stages_ != nullptr) {
         for (Pipe& pipe : pipes_) {
@@ -173,7 +183,11 @@ void PipePair::runFrame(const FrameInput& input, int64_t frame, const char* sour
     reporter_.context().op.clear();
 }
 
-Int32 PipePair::console(int pipe, const std::vector<std::string>& args, Int32 langue) {
+const CFG_DspIspCfgTables* PipePair::tableSet(int pipe) const {
+    return static_cast<const CFG_DspIspCfgTables*>(pipes_[pipe].ops->ispParam);
+}
+
+Int32 PipePair::console(int pipe, const std::vector<std::string>& args, Int32 langue, const char* expected) {
     Pipe& target = pipes_[pipe];
     // The host's argument record: 8-byte entries, argp[argc] null.
     std::vector<std::vector<char>> texts;
@@ -188,7 +202,8 @@ Int32 PipePair::console(int pipe, const std::vector<std::string>& args, Int32 la
     }
     cmd.argc = static_cast<Int32>(texts.size());
     reporter_.beginOperation(pipe, "OpSetDbgDspParam");
-    return call(pipe, "OpSetDbgDspParam", target.ops->OpSetDbgDspParam(target.ops.get(), &cmd, langue));
+    return call(pipe, "OpSetDbgDspParam", target.ops->OpSetDbgDspParam(target.ops.get(), &cmd, langue),
+                expected != nullptr ? expected : "");
 }
 
 void PipePair::teardown() {

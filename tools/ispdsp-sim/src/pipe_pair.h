@@ -35,7 +35,11 @@ public:
     // (OpSetModuleResults, OpInterGainFlags, OpRefreshCfg, OpSetFusion).
     void runFrame(const FrameInput& input, int64_t frame, const char* source);
     // One console line for a pipe: the arguments go to OpSetDbgDspParam.
-    Int32 console(int pipe, const std::vector<std::string>& args, Int32 langue);
+    // `expected` (may be null): why a -1 is the driver's design (the menu), so
+    // it is labelled and not counted as a failure.
+    Int32 console(int pipe, const std::vector<std::string>& args, Int32 langue, const char* expected = nullptr);
+    // The pipe's live table set (inside the driver's parameter buffer); null before creation.
+    const CFG_DspIspCfgTables* tableSet(int pipe) const;
     // Stops and deletes both pipes (whatever was created).
     void teardown();
 
@@ -52,7 +56,7 @@ private:
         bool created = false;
     };
 
-    Int32 call(int pipe, const char* op, Int32 result);
+    Int32 call(int pipe, const char* op, Int32 result, const std::string& expected = std::string());
     void setRunParams(Pipe& pipe, const PipeInput& input);
     void refresh(Pipe& pipe);
     bool fail(const std::string& what);
@@ -61,6 +65,7 @@ private:
     Reporter& reporter_;
     const StageSender* stages_;
     std::array<Pipe, kPipeCount> pipes_;
+    std::array<bool, kPipeCount> fusedSinceLink_{};  // OpSetFusion ran since the last link
     std::vector<std::string> failureLog_;
     std::string failure_;
 };

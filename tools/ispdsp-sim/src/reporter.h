@@ -24,7 +24,16 @@ struct Context {
     int64_t frame = -1;           // -1 outside frames
     int pipe = -1;                // -1 when no pipe is addressed
     std::string op;               // the driver function being called
+    // The first OpSetFusion of a linked pair, before the other pipe has
+    // calculated: its null-curve error, -1 and all-zero FUSION message are
+    // the driver's design, labelled "expected" instead of looking like faults.
+    bool pairStart = false;
 };
+
+// The labels of that first call, by what they explain.
+std::string pairStartLogNote(int pipe);
+std::string pairStartMessageNote();
+std::string pairStartCallNote();
 
 class Formatter {
 public:
@@ -61,9 +70,16 @@ public:
 
     // Counters for the closing summary.
     void countMessage(const std::string& stage) { ++messageCounts_[stage]; }
-    void countFailure() { ++failures_; }
+    // A call that failed for a real reason, kept (the first few) for the summary.
+    void countFailure(const std::string& op, int32_t result);
+    // A -1 that is the driver's design (the start of a pair, the menu).
+    void countExpected() { ++expected_; }
+    // An aewDebug change the driver accepted.
+    void countConsoleChange() { ++consoleChanges_; }
     const std::map<std::string, int64_t>& messageCounts() const { return messageCounts_; }
     int64_t failures() const { return failures_; }
+    // The closing summary: what ran, what was sent, what failed and why.
+    Event summary(int64_t frames) const;
 
     void flush() { formatter_->flush(); }
     bool outputFailed() const { return formatter_->failed(); }
@@ -78,6 +94,9 @@ private:
     std::vector<std::string> operationLog_;
     std::map<std::string, int64_t> messageCounts_;
     int64_t failures_ = 0;
+    Event failureList_ = Event::array();
+    int64_t expected_ = 0;
+    int64_t consoleChanges_ = 0;
     int outputErrno_ = 0;
 };
 

@@ -20,6 +20,7 @@
 #include "stage_sender.h"
 #include "stop_signals.h"
 #include "text_encoding.h"
+#include "tuning_save.h"
 
 namespace ispsim {
 
@@ -138,7 +139,7 @@ void loadRlr(const DriverApi& api, Reporter& reporter) {
     std::memset(&tables, 0, sizeof tables);
     Ptr buffer = &tables;
     const Int32 result = api.loadRlrCfg(&buffer);
-    if (result != 0) reporter.countFailure();
+    if (result != 0) reporter.countFailure("DRV_loadRlrCfg", result);
     Event payload{{"op", "DRV_loadRlrCfg"}, {"ret", result}};
     if (result == 0) {
         const auto summary = [](const Uint8* table) {
@@ -165,6 +166,22 @@ void explainFailure(const PipePair& pair, const Options& options) {
     if (pair.failure().find("DRV_dspIspCreateX") != std::string::npos)
         complain("check the tuning file " + options.tuning + " (placed at " +
                  (options.monoTuning ? pipeTuningDevicePath(kColorPipe) : std::string(kTuningDevicePath)) + ")");
+}
+
+// The parameter file the console pipe loaded.
+std::string consoleTuning(const Options& options) {
+    return options.monoTuning && options.consolePipe == kMonoPipe ? *options.monoTuning : options.tuning;
+}
+
+bool saveAtExit(const PipePair& pair, const Options& options, Reporter& reporter) {
+    reporter.context().phase = "save";
+    const CFG_DspIspCfgTables* tables = pair.tableSet(options.consolePipe);
+    const SaveResult saved = tables != nullptr ? saveTuning(*tables, consoleTuning(options), *options.saveTuning)
+                                               : SaveResult{false, 0, "cannot save: no table set"};
+    reporter.emit(saved.ok ? "saved" : "error",
+                  Event{{"message", saved.message}, {"file", *options.saveTuning}, {"changedTables", saved.changedTables}});
+    if (!saved.ok) complain(saved.message);
+    return saved.ok;
 }
 
 }  // namespace
@@ -231,7 +248,7 @@ int runSimulation(const Options& options) {
             pair.runFrame(input, framesRun++, source);
             last = input;
         };
-        Console console(pair, reporter, ConsoleOptions{options.consolePipe, options.langue},
+        Console console(pair, reporter, ConsoleOptions{options.consolePipe, options.langue, consoleTuning(options)},
                         [&] { runFrame(last, "console", "console"); });
 
         const bool showProgress =
@@ -262,6 +279,8 @@ int runSimulation(const Options& options) {
             status = kExitInterrupted;
         } else if (reporter.outputFailed()) {
             status = kExitRunFailed;  // the reader went away (closed pipe)
+        } else if (options.saveTuning && !saveAtExit(pair, options, reporter)) {
+            status = kExitRunFailed;
         }
     }
 
@@ -269,9 +288,7 @@ int runSimulation(const Options& options) {
     reporter.context().phase = "teardown";
     reporter.emit("phase", Event::object());
     pair.teardown();
-    reporter.emit("end", Event{{"frames", framesRun},
-                               {"messages", Event(reporter.messageCounts())},
-                               {"failedCalls", reporter.failures()}});
+    reporter.emit("end", reporter.summary(framesRun));
     reporter.finish();
     removeDspEndpoint();
     if (!results.close(reporter.outputErrno()) && status == kExitOk) status = kExitRunFailed;

@@ -71,12 +71,12 @@ void StageSender::sendAll(Reporter& reporter, int pipe, const CFG_DspIspCfgParam
 
         reporter.beginOperation(pipe, stage.calculateName);
         const Int32 calculated = stage.calculate(input.data(), payload.data());
-        if (calculated != 0) reporter.countFailure();
+        if (calculated != 0) reporter.countFailure(stage.calculateName, calculated);
         reporter.emit("call", Event{{"op", stage.calculateName}, {"ret", calculated}});
 
         reporter.beginOperation(pipe, stage.setName);
         const Int32 sent = stage.set(payload.data(), &handle);
-        if (sent != 0) reporter.countFailure();
+        if (sent != 0) reporter.countFailure(stage.setName, sent);
         reporter.emit("call", Event{{"op", stage.setName}, {"ret", sent}});
     }
 }
