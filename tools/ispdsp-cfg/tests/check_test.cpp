@@ -1,8 +1,7 @@
-// check: findings with their location, and the structural faults of a damaged file.
+// check: findings with their location and severity, on seeded fields and damaged files.
 #include <gtest/gtest.h>
 
 #include "commands.h"
-#include "field_table.h"
 #include "ispdsp/param_table.h"
 #include "tool_test_support.h"
 
@@ -25,7 +24,7 @@ TEST(Check, SampleIsClean) {
     TempDir dir;
     const RunResult r = checkImage(dir, serializeParamFile(sampleImage()));
     EXPECT_EQ(r.status, kExitOk) << r.out;
-    EXPECT_NE(r.out.find("0 warnings"), std::string::npos);
+    EXPECT_NE(r.out.find(": 0 errors, 0 warnings\n"), std::string::npos) << r.out;
 }
 
 struct SeededField {
@@ -39,15 +38,15 @@ struct SeededField {
 
 class CheckSeededField : public ::testing::TestWithParam<SeededField> {};
 
-TEST_P(CheckSeededField, IsReportedWithTableStepAndField) {
+TEST_P(CheckSeededField, IsAWarningWithTableStepAndField) {
     const SeededField& p = GetParam();
     TempDir dir;
     ParamFileImage image = sampleImage();
     setField(tableOf(image, p.type), p.record, p.step, p.name, p.value);
     const RunResult r = checkImage(dir, serializeParamFile(image));
     EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find(std::string("warning: ") + p.expected + "\n"), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find(" 1 warning\n"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find(std::string("\nwarning: ") + p.expected + "\n"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find(": 0 errors, 1 warning\n"), std::string::npos) << r.out;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -71,80 +70,79 @@ INSTANTIATE_TEST_SUITE_P(
                       SeededField{PARAM_TRAFFIC_BLACKWHITE, "ispY2dParam", -1, "win_size", 1,
                                   "PARAM_TRAFFIC_BLACKWHITE ispY2dParam.win_size = 1 (DSP range 2..3)"}));
 
-TEST(Check, BadChecksumIsReported) {
-    TempDir dir;
-    std::vector<uint8_t> bytes = serializeParamFile(sampleImage());
-    bytes.back() ^= 0x01;
-    const RunResult r = checkImage(dir, bytes);
-    EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("error: checksum 0x"), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find("the driver rejects the file"), std::string::npos);
-}
-
-TEST(Check, TruncatedBlockReportsTheIncompleteEntry) {
-    TempDir dir;
-    const ParamFileImage image = sampleImage();
-    std::vector<uint8_t> bytes = serializeParamFile(image);
-    // Cut the last entry to 100 bytes, with a size word and checksum that match the cut block.
+// Cuts the last entry to 100 bytes, with a size word and checksum that match the cut block.
+std::vector<uint8_t> cutLastEntry(std::vector<uint8_t> bytes) {
     const size_t cut = kEntryBytes - 100;
     bytes.erase(bytes.end() - 4 - static_cast<std::ptrdiff_t>(cut), bytes.end() - 4);
-    const uint32_t size = static_cast<uint32_t>(image.entries.size() * kEntryBytes - cut);
+    const uint32_t size = static_cast<uint32_t>(bytes.size() - kFileOverhead);
     storeWord(bytes, kHeaderBytes, size);
     storeWord(bytes, bytes.size() - 4,
               static_cast<uint32_t>(fileChecksum(bytes.data(), bytes.data() + kHeaderBytes + 4, size)));
-    const RunResult r = checkImage(dir, bytes);
-    EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("is not a whole multiple of 8824: trailing incomplete entry of 100 bytes"), std::string::npos)
-        << r.out;
-    EXPECT_NE(r.out.find("9 tables"), std::string::npos) << r.out;
-    EXPECT_EQ(r.out.find("checksum"), std::string::npos) << r.out;  // the checksum itself is right
+    return bytes;
 }
 
-TEST(Check, SizeWordBeyondTheFileIsReported) {
-    TempDir dir;
-    std::vector<uint8_t> bytes = serializeParamFile(sampleImage());
-    storeWord(bytes, kHeaderBytes, 11 * kEntryBytes);
-    const RunResult r = checkImage(dir, bytes);
-    EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("exceeds the file"), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find("checksum word missing"), std::string::npos) << r.out;
-}
+struct Damage {
+    const char* name;
+    std::function<std::vector<uint8_t>(ParamFileImage&)> make;
+    std::vector<std::string> lines;  // each expected in the report
+};
 
-TEST(Check, DuplicateAndUnknownTypesAreReported) {
+class CheckDamage : public ::testing::TestWithParam<Damage> {};
+
+TEST_P(CheckDamage, IsReportedWithItsSeverity) {
     TempDir dir;
     ParamFileImage image = sampleImage();
-    image.entries.push_back(image.entries[6]);  // a second PARAM_TRAFFIC
-    TableEntry invalid = image.entries[0];
-    invalid.type = 120;
-    image.entries.push_back(invalid);
-    setField(image.entries[10], "fusion", 2, "ep_delta", 0);
-    const RunResult r = checkImage(dir, serializeParamFile(image));
+    const RunResult r = checkImage(dir, GetParam().make(image));
     EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("entry 10: duplicate PARAM_TRAFFIC (first at entry 6; the driver uses the later one)"),
-              std::string::npos)
-        << r.out;
-    EXPECT_NE(r.out.find("entry 11: table type 120 is outside 0..119"), std::string::npos) << r.out;
-    // Findings inside a repeated type name the entry.
-    EXPECT_NE(r.out.find("PARAM_TRAFFIC (entry 10) fusion[2].ep_delta = 0"), std::string::npos) << r.out;
+    for (const std::string& line : GetParam().lines) EXPECT_NE(r.out.find(line), std::string::npos) << r.out;
 }
 
-TEST(Check, WrongVersionAndPaddingAreReported) {
-    TempDir dir;
-    ParamFileImage image = sampleImage();
-    image.header.verBits = 0x47A21281;  // 82981.0078125, the next float
-    image.entries[2].bytes[8817] = 1;
-    const RunResult r = checkImage(dir, serializeParamFile(image));
-    EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("error: header ver = 82981.01 (the driver reads version 82981 only: it rejects the file)"), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find("PARAM_HDR_MULTICOLOR padding byte at table offset 8817 = 0x01"), std::string::npos);
-}
-
-TEST(Check, FileTooShortForAHeaderIsAFinding) {
-    TempDir dir;
-    const RunResult r = checkImage(dir, std::vector<uint8_t>(112, 0));
-    EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("112 bytes long"), std::string::npos) << r.out;
-}
+INSTANTIATE_TEST_SUITE_P(
+    Files, CheckDamage,
+    ::testing::Values(
+        Damage{"checksum",
+               [](auto& image) {
+                   auto bytes = serializeParamFile(image);
+                   bytes.back() ^= 0x01;
+                   return bytes;
+               },
+               {"\nerror: checksum 0x", " computed (the driver rejects the file)\n", ": 1 error, 0 warnings ("}},
+        Damage{"incomplete entry", [](auto& image) { return cutLastEntry(serializeParamFile(image)); },
+               {"\nwarning: block size 79516 is not a whole multiple of 8824: trailing incomplete entry of 100 bytes",
+                "9 tables", ": 0 errors, 1 warning\n"}},
+        Damage{"size word beyond the file",
+               [](auto& image) {
+                   auto bytes = serializeParamFile(image);
+                   storeWord(bytes, kHeaderBytes, 11 * kEntryBytes);
+                   return bytes;
+               },
+               {"error: block size 97064 exceeds the file", "error: checksum word missing"}},
+        Damage{"duplicate and unknown types",
+               [](auto& image) {
+                   image.entries.push_back(image.entries[6]);  // a second PARAM_TRAFFIC
+                   image.entries.push_back(image.entries[0]);
+                   image.entries.back().type = 120;
+                   setField(image.entries[10], "fusion", 2, "ep_delta", 0);
+                   return serializeParamFile(image);
+               },
+               {"warning: entry 10: duplicate PARAM_TRAFFIC (first at entry 6; the driver uses the later one)",
+                "warning: entry 11: table type 120 is outside 0..119",
+                "warning: PARAM_TRAFFIC (entry 10) fusion[2].ep_delta = 0"}},
+        Damage{"version and padding",
+               [](auto& image) {
+                   image.header.verBits = 0x47A21281;  // 82981.0078125, the next float
+                   image.entries[2].bytes[8817] = 1;
+                   return serializeParamFile(image);
+               },
+               {"error: header ver = 82981.01 (the driver reads version 82981 only: it rejects the file)",
+                "warning: PARAM_HDR_MULTICOLOR padding byte at table offset 8817 = 0x01"}},
+        Damage{"too short", [](auto&) { return std::vector<uint8_t>(112, 0); },
+               {"error: ", "112 bytes long", ": 1 error, 0 warnings\n"}}),
+    [](const auto& info) {
+        std::string name = info.param.name;
+        for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+        return name;
+    });
 
 // The padding the codecs zero is exactly the records' padding bytes.
 TEST(FieldTable, PaddingIsTheRecordsPadding) {

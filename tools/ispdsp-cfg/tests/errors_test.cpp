@@ -1,9 +1,6 @@
 // Error paths: missing files, JSON syntax errors with their line, and source mistakes reported
 // with file, table and field; the command line's usage errors.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <cstdlib>
 
 #include "commands.h"
 #include "tool_test_support.h"
@@ -30,33 +27,6 @@ std::string sixteenSteps(const std::string& stepTwo) {
     std::string steps = "[";
     for (int i = 0; i < 16; ++i) steps += std::string(i ? ", " : "") + (i == 2 ? stepTwo : "{}");
     return steps + "]";
-}
-
-TEST(Errors, MissingInputFilesAreHardErrorsNamingThePath) {
-    TempDir dir;
-    const std::string missing = dir.path("missing.bin");
-    const std::vector<std::function<int(std::ostream&, std::ostream&)>> commands = {
-        [&](auto& o, auto& e) {
-            return runBuild({dir.path("missing.json"), dir.path("x.bin"), false}, o, e);
-        },
-        [&](auto& o, auto& e) {
-            return runDump({missing, ""}, o, e);
-        },
-        [&](auto& o, auto& e) { return runCheck(missing, o, e); },
-        [&](auto& o, auto& e) {
-            return runSelect({missing, true, {}}, o, e);
-        },
-        [&](auto& o, auto& e) { return runDiff(missing, missing, o, e); },
-        [&](auto& o, auto& e) {
-            return runPlot({missing, "PARAM_MULTICOLOR", dir.path("x.svg")}, o, e);
-        },
-    };
-    for (size_t i = 0; i < commands.size(); ++i) {
-        const RunResult r = run(commands[i]);
-        EXPECT_EQ(r.status, kExitError) << "command " << i;
-        EXPECT_NE(r.err.find("missing."), std::string::npos) << r.err;
-        EXPECT_NE(r.err.find("cannot open"), std::string::npos) << r.err;
-    }
 }
 
 TEST(Errors, JsonSyntaxErrorNamesFileLineAndColumn) {
@@ -138,32 +108,6 @@ TEST(Errors, MissingFieldsAreZeroAndOutOfRangeValuesAreWarnings) {
     const std::vector<uint8_t> bytes = readBytes(dir.path("out.bin"));
     ASSERT_EQ(bytes.size(), kFileOverhead + kEntryBytes);
     EXPECT_EQ(bytes[kHeaderBytes + 4 + 4], 1);  // ispFusionFlag
-}
-
-// The command line itself, through the executable.
-int runTool(const std::string& args) {
-    const int status = std::system((std::string(ISPDSP_CFG_EXE) + " " + args + " >/dev/null 2>&1").c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-TEST(CommandLine, UsageErrorsExitWithTwoAndHelpWithZero) {
-    EXPECT_EQ(runTool(""), 2);
-    EXPECT_EQ(runTool("frobnicate"), 2);
-    EXPECT_EQ(runTool("build only-source.json"), 2);      // -o missing
-    EXPECT_EQ(runTool("select x.bin --all --dnc 0"), 2);  // --all excludes a state
-    EXPECT_EQ(runTool("--help"), 0);
-    EXPECT_EQ(runTool("build --help"), 0);
-}
-
-TEST(CommandLine, CheckAndRoundTripThroughTheExecutable) {
-    TempDir dir;
-    EXPECT_EQ(runTool("build " + sampleSourcePath() + " -o " + dir.path("s.bin")), 0);
-    EXPECT_EQ(runTool("check " + dir.path("s.bin")), 0);
-    EXPECT_EQ(runTool("dump " + dir.path("s.bin") + " -o " + dir.path("s.json")), 0);
-    EXPECT_EQ(runTool("build " + dir.path("s.json") + " -o " + dir.path("t.bin")), 0);
-    EXPECT_EQ(readBytes(dir.path("s.bin")), readBytes(dir.path("t.bin")));
-    EXPECT_EQ(runTool("select " + dir.path("s.bin") + " --all"), 0);
-    EXPECT_EQ(runTool("diff " + dir.path("s.bin") + " " + dir.path("t.bin")), 0);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "tool_test_support.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -103,6 +104,15 @@ RunResult run(const std::function<int(std::ostream&, std::ostream&)>& command) {
     std::ostringstream out, err;
     const int status = command(out, err);
     return {status, out.str(), err.str()};
+}
+
+RunResult runExe(const std::string& args, const std::string& stdoutTo) {
+    const TempDir dir;
+    const std::string out = stdoutTo.empty() ? dir.path("out") : stdoutTo;
+    const int status =
+        std::system((std::string(ISPDSP_CFG_EXE) + " " + args + " >" + out + " 2>" + dir.path("err")).c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, stdoutTo.empty() ? readText(out) : "",
+            readText(dir.path("err"))};
 }
 
 }  // namespace ispcfg_test

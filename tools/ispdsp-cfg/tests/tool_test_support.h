@@ -52,5 +52,8 @@ struct RunResult {
 };
 // Runs one command function with captured streams.
 RunResult run(const std::function<int(std::ostream&, std::ostream&)>& command);
+// Runs the built ispdsp-cfg through the shell with `args`; standard output goes to `stdoutTo`
+// when given (e.g. /dev/full), else it is captured.
+RunResult runExe(const std::string& args, const std::string& stdoutTo = "");
 
 }  // namespace ispcfg_test
