@@ -7,6 +7,7 @@
 #include "common/log.h"
 #include "driver/driver_instance.h"
 #include "driver/registration.h"
+#include "fusion/fusion_calc.h"
 #include "ispdsp/fusion.h"
 
 namespace ispdsp {
@@ -76,12 +77,6 @@ Int32 DRV_ispSetFusionParam(DRV_ispOpsParams* ispOps) {
     if (handle->registerFlag != 0) ret = sendRegistrationChanges(ispOps, handle);
     ret |= DRV_dspOpGetFusion(&handle->pstFusionParam, &handle->dspHandle);
 
-    // Both calculation records live on this frame's stack.
-    DSP_FusionCalculateParam fusionCalParam;
-    std::memset(&fusionCalParam, 0, sizeof(fusionCalParam));
-    std::memcpy(fusionCalParam.fusionParam, curParam->ispFusionParam, sizeof(fusionCalParam.fusionParam));
-    fusionCalParam.gainInterParam = &ispOps->runParam.gainInterParam;
-
     handle->pstFusionParam.fusionParam.w_nir = handle->w_nir1;
     handle->pstDoubleFusionParam.fusionParam.w_nir = handle->w_nir2;
 
@@ -92,26 +87,32 @@ Int32 DRV_ispSetFusionParam(DRV_ispOpsParams* ispOps) {
     std::memset(&doubleFusionCalParam, 0, sizeof(doubleFusionCalParam));
     doubleFusionCalParam.aewPipeId = handle->aewPipeId;
     // The switch always comes from the mono pipe's sensor-standby result.
+    Int32 pSwitch;
     switch (handle->refPipeParams.fusionType) {
         case DRV_ISP_FUSION_COLOR:  // the reference pipe is the colour pipe
             doubleFusionCalParam.pstColorFusionParam = &otherIspHandle->pstFusionParam;
             doubleFusionCalParam.pstMonoFusionParam = &handle->pstFusionParam;
-            fusionCalParam.pSwitch = handle->moduleResults.sensorStandbyParam.pSwitch;
+            pSwitch = handle->moduleResults.sensorStandbyParam.pSwitch;
             break;
         case DRV_ISP_FUSION_MONO:  // the reference pipe is the mono pipe
             doubleFusionCalParam.pstColorFusionParam = &handle->pstFusionParam;
             doubleFusionCalParam.pstMonoFusionParam = &otherIspHandle->pstFusionParam;
-            fusionCalParam.pSwitch = otherIspHandle->moduleResults.sensorStandbyParam.pSwitch;
+            pSwitch = otherIspHandle->moduleResults.sensorStandbyParam.pSwitch;
             break;
         default:
             ISP_LOG_ERROR("error fusionType:%d \n", static_cast<Int32>(handle->refPipeParams.fusionType));
             return 0;
     }
-    ISP_LOG_INFO("pswitch=%d\n", fusionCalParam.pSwitch);
+    ISP_LOG_INFO("pswitch=%d\n", pSwitch);
 
+    // The blend of DRV_dspCalculateFusion, read straight from the current
+    // table's sixteen records: no 8.7 KB copy into a calculation record on
+    // this frame's stack. Its other inputs cannot be null here (the curve
+    // buffers are allocated at creation).
     // Each message goes out even when the calculation before it failed; the
     // calls are sequenced one statement each (the operands of | are not).
-    Int32 r1 = DRV_dspCalculateFusion(&fusionCalParam, &handle->pstFusionParam);
+    Int32 r1 = fusion::blendGainSteps(curParam->ispFusionParam, ispOps->runParam.gainInterParam, pSwitch,
+                                      &handle->pstFusionParam);
     r1 |= DRV_dspOpSetFSSWITCH(&handle->pstFusionParam, &handle->dspHandle);
     Int32 r2 = DRV_dspDoubleCalculateFusion(&doubleFusionCalParam, &handle->pstDoubleFusionParam);
     r2 |= DRV_dspOpSetFusion(&handle->pstDoubleFusionParam, &handle->dspHandle);

@@ -1,9 +1,10 @@
 // The gain blend of one value: s + c * (e - s) in single precision with one
-// rounding, then rounded half away from zero through double. Every x86-64 and
-// AArch64 build must give the same integers, so the FMA is written out and
-// nothing is left to compiler contraction.
+// rounding, then rounded half away from zero. Every x86-64 and AArch64 build
+// must give the same integers, so the FMA is written out and nothing is left
+// to compiler contraction.
 #pragma once
 
+#include <bit>
 #include <cmath>
 
 #include "ispdsp/types.h"
@@ -31,13 +32,27 @@ inline Int32 blendRound(Int32 s, Int32 e, float c) {
     return truncSaturated(d + std::copysign(0.5, d));
 }
 
-// blendRound for curve points (0..255) and a coefficient in [0, 1]: v then
-// lies between s and e, so it is finite and not negative, d + 0.5 is exact and
-// far inside the Int32 range, and the conversion's truncation is the rounding.
-// Same result as blendRound without the sign and saturation selects.
-inline Int32 blendRoundCurveInRange(Int32 s, Int32 e, float c) {
+// The largest float below one half.
+inline constexpr float kJustBelowHalf = 0.49999997f;
+static_assert(std::bit_cast<Uint32>(kJustBelowHalf) == 0x3EFFFFFFu);
+
+// blendRound for a coefficient in [0, 1], in single precision. v then lies
+// between s and e, so it is finite and |v| < 2^23 for the fields' values, and
+// truncating |v| + kJustBelowHalf rounds |v| half away from zero exactly: a tie
+// n + 0.5 still reaches n + 1 (n + 1 - 2^-25 rounds up, to even for n = 0),
+// while 0.49999997, which |v| + 0.5f would round up to 1.0, stays below 1.
+// Same integer as blendRound, without widening to double.
+inline Int32 blendRoundInRange(Int32 s, Int32 e, float c) {
     const float v = std::fmaf(c, static_cast<float>(e - s), static_cast<float>(s));
-    return static_cast<Int32>(static_cast<double>(v) + 0.5);
+    const Int32 away = static_cast<Int32>(std::fabs(v) + kJustBelowHalf);
+    return v < 0.0f ? -away : away;
+}
+
+// blendRoundInRange for values that are never negative (curve points and
+// unsigned fields), so neither is v.
+inline Int32 blendRoundUnsignedInRange(Int32 s, Int32 e, float c) {
+    const float v = std::fmaf(c, static_cast<float>(e - s), static_cast<float>(s));
+    return static_cast<Int32>(v + kJustBelowHalf);
 }
 
 }  // namespace ispdsp::fusion

@@ -4,6 +4,7 @@
 
 #include "common/log.h"
 #include "fusion/fusion_blend.h"
+#include "fusion/fusion_calc.h"
 #include "fusion/fusion_curve.h"
 #include "fusion/fusion_fields.h"
 #include "ispdsp/fusion.h"
@@ -28,10 +29,20 @@ using namespace ispdsp::fusion;
 // Forced inline so every clone gets its own copy of the scalar blends.
 #define ISPDSP_FUSION_INLINE inline __attribute__((always_inline))
 
-template <Int32 I>
+// InRange: the coefficient is known to lie in [0, 1] (every frame).
+template <bool InRange, Int32 I>
 ISPDSP_FUSION_INLINE void blendScalar(const Uint8* start, const Uint8* end, float c, Uint8* out) {
     constexpr const ScalarField& F = kScalarFields[I];
-    const Int32 blended = blendRound(loadField<I>(start), loadField<I>(end), c);
+    const Int32 s = loadField<I>(start);
+    const Int32 e = loadField<I>(end);
+    Int32 blended;
+    if constexpr (!InRange) {
+        blended = blendRound(s, e, c);
+    } else if constexpr (F.isSigned) {
+        blended = blendRoundInRange(s, e, c);
+    } else {
+        blended = blendRoundUnsignedInRange(s, e, c);
+    }
     // The DSP limit applies to the value as kept in the field's width.
     Int32 kept;
     if constexpr (F.width == 2) {
@@ -42,10 +53,10 @@ ISPDSP_FUSION_INLINE void blendScalar(const Uint8* start, const Uint8* end, floa
     storeField<I>(out, clampToRange(F, kept));
 }
 
-template <Int32... I>
+template <bool InRange, Int32... I>
 ISPDSP_FUSION_INLINE void blendScalars(const Uint8* start, const Uint8* end, float c, Uint8* out,
-                         std::integer_sequence<Int32, I...>) {
-    (blendScalar<I>(start, end, c, out), ...);
+                                       std::integer_sequence<Int32, I...>) {
+    (blendScalar<InRange, I>(start, end, c, out), ...);
 }
 
 ISPDSP_FUSION_INLINE void blendBlock(const Uint8* __restrict s, const Uint8* __restrict e, float c, Uint8* __restrict out) {
@@ -57,15 +68,23 @@ ISPDSP_FUSION_INLINE void blendBlock(const Uint8* __restrict s, const Uint8* __r
 ISPDSP_FUSION_INLINE void blendBlockInRange(const Uint8* __restrict s, const Uint8* __restrict e, float c,
                                             Uint8* __restrict out) {
     for (Int32 i = 0; i < kCurveBlock; ++i) {
-        out[i] = static_cast<Uint8>(blendRoundCurveInRange(s[i], e[i], c));
+        out[i] = static_cast<Uint8>(blendRoundUnsignedInRange(s[i], e[i], c));
     }
 }
 
 ISPDSP_FUSION_CLONES
 void blendRecords(const CFG_DSP_FusionV2722* start, const CFG_DSP_FusionV2722* end, float c,
                   FUSION_PARAM_V2_7_22* out, Uint8* outCurve) {
-    blendScalars(reinterpret_cast<const Uint8*>(start), reinterpret_cast<const Uint8*>(end), c,
-                 reinterpret_cast<Uint8*>(out), std::make_integer_sequence<Int32, kScalarFieldCount>{});
+    const auto* startBytes = reinterpret_cast<const Uint8*>(start);
+    const auto* endBytes = reinterpret_cast<const Uint8*>(end);
+    auto* outBytes = reinterpret_cast<Uint8*>(out);
+    constexpr auto kFields = std::make_integer_sequence<Int32, kScalarFieldCount>{};
+    const bool inRange = c >= 0.0f && c <= 1.0f;  // every frame: the host keeps the coefficient in 0..1
+    if (inRange) {
+        blendScalars<true>(startBytes, endBytes, c, outBytes, kFields);
+    } else {
+        blendScalars<false>(startBytes, endBytes, c, outBytes, kFields);
+    }
 
     const Uint8* s = start->w_nir;
     const Uint8* e = end->w_nir;
@@ -74,7 +93,7 @@ void blendRecords(const CFG_DSP_FusionV2722* start, const CFG_DSP_FusionV2722* e
         for (Int32 i = 0; i < FUSION_NIR_POINTS; ++i) outCurve[i] = static_cast<Uint8>(blendRound(s[i], e[i], c));
         return;
     }
-    if (c >= 0.0f && c <= 1.0f) {  // every frame: the host keeps the coefficient in 0..1
+    if (inRange) {
         forEachCurveBlock([&](Int32 first) { blendBlockInRange(s + first, e + first, c, outCurve + first); });
     } else {
         forEachCurveBlock([&](Int32 first) { blendBlock(s + first, e + first, c, outCurve + first); });
@@ -83,22 +102,32 @@ void blendRecords(const CFG_DSP_FusionV2722* start, const CFG_DSP_FusionV2722* e
 
 }  // namespace
 
+namespace ispdsp::fusion {
+
+Int32 blendGainSteps(const CFG_DSP_FusionV2722* records, const DRV_gainInterParam& gain, Int32 pSwitch,
+                     DSP_FusionV2722* out) {
+    // The host keeps both indexes in 0..15; anything else is a host fault that
+    // is reported, never clamped into a plausible-looking blend. Named after
+    // the exported calculation, which the per-frame update stands for.
+    if (!gainIndexesValid(gain)) {
+        OSA_logWrite(kLogErrorLevel, kLogErrorCategory,
+                     "[DSP_DRV] ERROR  (%s|%d): gain index out of range: start %d, end %d\n",
+                     "DRV_dspCalculateFusion", __LINE__, gain.gainStartIndex, gain.gainEndIndex);
+        return -1;
+    }
+    out->pSwtich = static_cast<UINT32>(pSwitch);
+    blendRecords(&records[gain.gainStartIndex], &records[gain.gainEndIndex], gain.interCoff, &out->fusionParam,
+                 static_cast<Uint8*>(out->fusionParam.w_nir));
+    return 0;
+}
+
+}  // namespace ispdsp::fusion
+
 Int32 DRV_dspCalculateFusion(DSP_FusionCalculateParam* fusionCalParam, DSP_FusionV2722* param) {
     ISP_CHECK_PTR(fusionCalParam, "fusionCalParam");
     ISP_CHECK_PTR(param, "param");
     ISP_CHECK_PTR(fusionCalParam->gainInterParam, "fusionCalParam->gainInterParam");
     ISP_CHECK_PTR(param->fusionParam.w_nir, "w_nir");
-
-    const DRV_gainInterParam& gain = *fusionCalParam->gainInterParam;
-    // The host keeps both indexes in 0..15; anything else is a host fault that
-    // is reported, never clamped into a plausible-looking blend.
-    if (!gainIndexesValid(gain)) {
-        ISP_LOG_ERROR("gain index out of range: start %d, end %d\n", gain.gainStartIndex, gain.gainEndIndex);
-        return -1;
-    }
-
-    param->pSwtich = static_cast<UINT32>(fusionCalParam->pSwitch);
-    blendRecords(&fusionCalParam->fusionParam[gain.gainStartIndex], &fusionCalParam->fusionParam[gain.gainEndIndex],
-                 gain.interCoff, &param->fusionParam, static_cast<Uint8*>(param->fusionParam.w_nir));
-    return 0;
+    return blendGainSteps(fusionCalParam->fusionParam, *fusionCalParam->gainInterParam, fusionCalParam->pSwitch,
+                          param);
 }

@@ -1,0 +1,149 @@
+// The gain blend rounds in single precision when the coefficient lies in
+// [0, 1]. Checked against the blend written out the plain way (one float FMA,
+// then half away from zero through double): every start/end curve pair 0..255
+// x 0..255 through DRV_dspCalculateFusion's vector loop, over a dense
+// coefficient grid, the coefficients that put the blend one ulp either side of
+// a half, and those near every half-way crossing of each difference; and the
+// scalar form on 16-bit and signed values.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "fusion/fusion_blend.h"
+#include "ispdsp/fusion.h"
+
+namespace {
+
+int32_t oracle(int32_t s, int32_t e, float c) {
+    const double v = std::fmaf(c, float(e - s), float(s));
+    return int32_t(v >= 0 ? std::floor(v + 0.5) : std::ceil(v - 0.5));
+}
+
+// c moved n ulps, towards 0 for n < 0.
+float ulpsAway(float c, int n) {
+    for (; n < 0; ++n) c = std::nextafter(c, 0.0f);
+    for (; n > 0; --n) c = std::nextafter(c, 2.0f);
+    return c;
+}
+
+// Up to 511 start/end pairs in the curves of records 0 and 1, blended by each coefficient.
+class CurveRig {
+public:
+    CurveRig() {
+        std::memset(in_.get(), 0, sizeof *in_);
+        in_->gainInterParam = &gain_;
+        gain_.gainStartIndex = 0;
+        gain_.gainEndIndex = 1;
+        out_.fusionParam.w_nir = curve_;
+    }
+    void load(const std::vector<std::pair<int, int>>& pairs) {
+        pairs_ = pairs;
+        for (int i = 0; i < FUSION_NIR_POINTS; ++i) {  // points beyond the pairs repeat the first
+            const auto [s, e] = pairs[i < int(pairs.size()) ? i : 0];
+            in_->fusionParam[0].w_nir[i] = uint8_t(s);
+            in_->fusionParam[1].w_nir[i] = uint8_t(e);
+        }
+    }
+    // Counts the points that differ from the oracle (reports the first few).
+    size_t mismatches(float c) {
+        gain_.interCoff = c;
+        if (DRV_dspCalculateFusion(in_.get(), &out_) != 0) return pairs_.size();
+        size_t bad = 0;
+        for (size_t i = 0; i < pairs_.size(); ++i) {
+            const auto [s, e] = pairs_[i];
+            if (curve_[i] != uint8_t(oracle(s, e, c)) && ++bad <= 3) {
+                ADD_FAILURE() << s << "->" << e << " c=" << std::hexfloat << c << ": " << int(curve_[i]);
+            }
+        }
+        return bad;
+    }
+
+private:
+    std::unique_ptr<DSP_FusionCalculateParam> in_ = std::make_unique<DSP_FusionCalculateParam>();
+    DRV_gainInterParam gain_{};
+    DSP_FusionV2722 out_{};
+    uint8_t curve_[FUSION_NIR_POINTS] = {};
+    std::vector<std::pair<int, int>> pairs_;
+};
+
+TEST(FusionRoundExhaustive, EveryCurvePairOverADenseGridAndOneUlpAroundAHalf) {
+    std::vector<float> cs;
+    for (int i = 0; i <= 1024; ++i) cs.push_back(float(i) / 1024.0f);
+    // 0.5 and one ulp of each binade of n + 0.5 either side: the blend of n
+    // and n + 1 lands exactly on the half or one ulp beside it (0.49999997 for n = 0).
+    cs.push_back(0.5f);
+    for (int j = 16; j <= 25; ++j) {
+        cs.push_back(0.5f - std::ldexp(1.0f, -j));
+        cs.push_back(0.5f + std::ldexp(1.0f, -j));
+    }
+    CurveRig rig;
+    size_t bad = 0;
+    for (int first = 0; first < 256 * 256; first += FUSION_NIR_POINTS) {
+        std::vector<std::pair<int, int>> pairs;
+        for (int i = first; i < std::min(first + FUSION_NIR_POINTS, 256 * 256); ++i) pairs.emplace_back(i / 256, i % 256);
+        rig.load(pairs);
+        for (float c : cs) bad += rig.mismatches(c);
+    }
+    EXPECT_EQ(bad, 0u);
+}
+
+// For every difference d the blend crosses a half at c = (k + 0.5) / d: that
+// coefficient and two ulps either side, over all pairs with that difference.
+TEST(FusionRoundExhaustive, EveryHalfWayCrossingOfEachDifference) {
+    CurveRig rig;
+    size_t bad = 0;
+    for (int d = 1; d <= 255; ++d) {
+        std::vector<std::pair<int, int>> pairs;
+        for (int s = 0; s + d <= 255; ++s) {
+            pairs.emplace_back(s, s + d);
+            pairs.emplace_back(s + d, s);
+        }
+        rig.load(pairs);
+        for (int k = 0; k < d; ++k) {
+            const float c = float((k + 0.5) / d);
+            for (int u = -2; u <= 2; ++u) bad += rig.mismatches(ulpsAway(c, u));
+        }
+    }
+    EXPECT_EQ(bad, 0u);
+}
+
+// The scalar fields: 16-bit and signed values, same crossings (the unsigned
+// form for values that are never negative).
+TEST(FusionRoundExhaustive, ScalarFormOnWideAndSignedValues) {
+    const int32_t values[] = {-32768, -32767, -300, -256, -255, -129, -128, -2, -1, 0, 1, 2, 127, 128, 255, 256,
+                              1023, 2047, 16383, 16384, 32767, 65024, 65025, 65534, 65535};
+    size_t bad = 0;
+    for (int32_t s : values) {
+        for (int32_t e : values) {
+            const int d = std::abs(e - s);
+            // Crossings of the first and last 64 halves, and a grid.
+            std::vector<float> cs;
+            for (int k = 0; k < d && k < 64; ++k) {
+                for (int kk : {k, d - 1 - k}) {
+                    const float c = float((kk + 0.5) / d);
+                    for (int u = -2; u <= 2; ++u) cs.push_back(ulpsAway(c, u));
+                }
+            }
+            for (int i = 0; i <= 256; ++i) cs.push_back(float(i) / 256.0f);
+            for (float c : cs) {
+                const int32_t want = oracle(s, e, c);
+                const bool unsignedToo = s >= 0 && e >= 0;
+                if ((ispdsp::fusion::blendRoundInRange(s, e, c) != want ||
+                     (unsignedToo && ispdsp::fusion::blendRoundUnsignedInRange(s, e, c) != want)) &&
+                    ++bad <= 3) {
+                    ADD_FAILURE() << s << "->" << e << " c=" << std::hexfloat << c;
+                }
+            }
+        }
+    }
+    EXPECT_EQ(bad, 0u);
+}
+
+}  // namespace
