@@ -21,6 +21,10 @@ inline void combineScalar(const Uint8* colour, const Uint8* mono, Uint8* out) {
     }
 }
 
+// Field by field, each output field from the same field of the inputs, so an
+// output record that is also an input still combines the original values.
+// The inputs are read where they lie: copies of them would make the loads
+// wait for the stores the calculations just made.
 template <Int32... I>
 inline void combineScalars(const Uint8* colour, const Uint8* mono, Uint8* out, std::integer_sequence<Int32, I...>) {
     (combineScalar<I>(colour, mono, out), ...);
@@ -57,14 +61,11 @@ Int32 DRV_dspDoubleCalculateFusion(DSP_DoubleFusionCalculateParam* doubleFusionC
     ISP_CHECK_PTR(mono->fusionParam.w_nir, "w_nirMono");
     ISP_CHECK_PTR(param->fusionParam.w_nir, "w_nir");
 
-    // Copies of the inputs' scalars, so an output that is also an input still
-    // combines the original values.
-    FUSION_PARAM_V2_7_22 c = colour->fusionParam;
-    FUSION_PARAM_V2_7_22 m = mono->fusionParam;
-    combineScalars(reinterpret_cast<const Uint8*>(&c), reinterpret_cast<const Uint8*>(&m),
-                   reinterpret_cast<Uint8*>(&param->fusionParam),
+    const auto* colourCurve = static_cast<const Uint8*>(colour->fusionParam.w_nir);
+    const auto* monoCurve = static_cast<const Uint8*>(mono->fusionParam.w_nir);
+    combineScalars(reinterpret_cast<const Uint8*>(&colour->fusionParam),
+                   reinterpret_cast<const Uint8*>(&mono->fusionParam), reinterpret_cast<Uint8*>(&param->fusionParam),
                    std::make_integer_sequence<Int32, kScalarFieldCount>{});
-    combineCurve(static_cast<const Uint8*>(c.w_nir), static_cast<const Uint8*>(m.w_nir),
-                 static_cast<Uint8*>(param->fusionParam.w_nir));
+    combineCurve(colourCurve, monoCurve, static_cast<Uint8*>(param->fusionParam.w_nir));
     return 0;
 }
