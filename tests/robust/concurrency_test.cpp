@@ -271,7 +271,7 @@ TEST_F(RobustConcurrency, SeparatePipesRunTheirOwnOperationsInParallel) {
             pipe.run().dncMode = iteration % 2;
             pipe.run().gainInterParam.gainStartIndex = (index + iteration) % 16;
             pipe.run().gainInterParam.gainEndIndex = (index + iteration) % 16;
-            driver_test::ConsoleArgs tune{"runParam", "1", "ep_delta", "77", "uv_w", "9", "w_nir", "0"};
+            driver_test::ConsoleArgs tune{{"runParam", "1", "ep_delta", "77", "uv_w", "9", "w_nir", "0"}};
             failures[index] += pipe.start() != 0 || pipe.refresh(&changed) != 0 ||
                                pipe.publishSwitch(static_cast<Uint8>(iteration % 3)) != 0 || pipe.gainFlags() != 0 ||
                                pipe.console(&tune.record, index % 2) != 0 || pipe.stop() != 0;

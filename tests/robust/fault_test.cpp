@@ -75,7 +75,7 @@ protected:
     // creation filled refuses the call), or a usable instance that runs a
     // frame, takes a console command and is deleted again.
     void expectConsistentTable(HostPipe& pipe, Int32 created) {
-        driver_test::ConsoleArgs command{"ep_delta", "5"};
+        driver_test::ConsoleArgs command{{"ep_delta", "5"}};
         Int32 changed = 0;
         if (created != 0) {
             EXPECT_EQ(pipe.instance(), nullptr) << "a failed creation must leave no instance behind";

@@ -73,7 +73,7 @@ protected:
             EXPECT_EQ(mono.fusion(), 0);
         }
         if (cycle % 10 == 0) {
-            driver_test::ConsoleArgs tune{"runParam", "1", "ep_delta", "40", "hf_zoom", "300", "w_nir", "0"};
+            driver_test::ConsoleArgs tune{{"runParam", "1", "ep_delta", "40", "hf_zoom", "300", "w_nir", "0"}};
             EXPECT_EQ(colour.console(&tune.record, cycle % 20 == 0 ? 1 : 0), 0);
         }
         for (Int32 rc : {colour.reload(), colour.stop(), mono.stop(), colour.remove(), mono.remove()}) EXPECT_EQ(rc, 0);

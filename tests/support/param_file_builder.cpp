@@ -1,68 +1,27 @@
 #include "support/param_file_builder.h"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
-#include <cstdio>
 #include <cstring>
 
+#include "field_table.h"
+
 namespace ispdsp_test {
+
 namespace {
 
-constexpr size_t kHeaderBytes = 104;
-constexpr size_t kTextBytes = 32;
+using ispcfg::kHeaderBytes;
+using ispcfg::kTextBytes;
 
 void putWord(std::vector<uint8_t>& out, uint32_t word) {
-    for (int i = 0; i < 4; ++i) {
-        out.push_back(static_cast<uint8_t>(word >> (8 * i)));
-    }
+    for (int i = 0; i < 4; ++i) out.push_back(static_cast<uint8_t>(word >> (8 * i)));
 }
 
-uint32_t floatBits(float value) {
-    uint32_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
+// Cut to 32 bytes and NUL-padded.
+ispcfg::TextField textField(std::string_view text) {
+    ispcfg::TextField field{};
+    std::memcpy(field.data(), text.data(), std::min(text.size(), kTextBytes));
+    return field;
 }
-
-void putText(std::vector<uint8_t>& out, const std::string& text) {
-    for (size_t i = 0; i < kTextBytes; ++i) {
-        out.push_back(i < text.size() ? static_cast<uint8_t>(text[i]) : 0);
-    }
-}
-
-uint32_t getWord(const uint8_t* bytes) {
-    return uint32_t{bytes[0]} | uint32_t{bytes[1]} << 8 | uint32_t{bytes[2]} << 16 | uint32_t{bytes[3]} << 24;
-}
-
-// Padding bytes of a table, as [begin, end) offsets. Struct copies need not carry padding, so the
-// builder writes it as 0 to keep file images byte-for-byte reproducible.
-struct Gap {
-    size_t begin, end;
-};
-#define ISPDSP_TOP(field) offsetof(CFG_DspIspCfgParam, field)
-#define ISPDSP_END(field) (ISPDSP_TOP(field) + sizeof(CFG_DspIspCfgParam::field))
-constexpr Gap kTablePadding[] = {
-    {ISPDSP_END(ispSbm3dParam), ISPDSP_TOP(ispYuv2yuvParam)},
-    {ISPDSP_END(ispLleParam), ISPDSP_TOP(ispYlwdrParam)},
-    {ISPDSP_END(ispSadeParam), sizeof(CFG_DspIspCfgParam)},
-    {ISPDSP_TOP(ispDlaeParam) + offsetof(CFG_DSP_DlaeV101, fusion_weight) + 1,
-     ISPDSP_TOP(ispDlaeParam) + offsetof(CFG_DSP_DlaeV101, window_gain)},
-    {ISPDSP_TOP(ispDlaeParam) + offsetof(CFG_DSP_DlaeV101, denoise) + 1, ISPDSP_END(ispDlaeParam)},
-    {ISPDSP_TOP(ispLaeParam) + offsetof(CFG_DSP_Lae_PlateV209, green_luma_ave_thr) + 1,
-     ISPDSP_TOP(ispLaeParam) + offsetof(CFG_DSP_Lae_PlateV209, green_bg_noise_level)},
-    {ISPDSP_TOP(ispLaeParam) + offsetof(CFG_DSP_LaeV209, windowLaeParam) + sizeof(CFG_DSP_Lae_WindowV209),
-     ISPDSP_END(ispLaeParam)},
-    {ISPDSP_TOP(ispY2dParam) + offsetof(CFG_DSP_Y2dV5118, win_size) + 1, ISPDSP_END(ispY2dParam)},
-};
-#undef ISPDSP_TOP
-#undef ISPDSP_END
-// Every other byte belongs to a field: the gaps plus the fields' sizes make up the table.
-constexpr size_t paddingBytes() {
-    size_t n = 0;
-    for (const Gap& g : kTablePadding) n += g.end - g.begin;
-    return n;
-}
-static_assert(paddingBytes() == 12, "known padding of CFG_DspIspCfgParam: 2 + 2 + 3 top-level, 2 DLAE, 2 LAE, 1 Y2D");
 
 template <typename T>
 T clampTo(long value, long lo, long hi) {
@@ -70,38 +29,6 @@ T clampTo(long value, long lo, long hi) {
 }
 
 }  // namespace
-
-std::string paramTableTypeName(int32_t type) {
-    static constexpr std::array<const char*, 12> kBase = {
-        "MULTICOLOR",           "BLACKWHITE",           "HDR_MULTICOLOR",       "HDR_BLACKWHITE",
-        "WDR_MULTICOLOR",       "WDR_BLACKWHITE",       "MULTICOLOR_NIGHT",     "BLACKWHITE_NIGHT",
-        "HDR_MULTICOLOR_NIGHT", "HDR_BLACKWHITE_NIGHT", "WDR_MULTICOLOR_NIGHT", "WDR_BLACKWHITE_NIGHT"};
-    // Application scenes in type order, nine types each from 12 on.
-    static constexpr std::array<const char*, 12> kScenes = {"TRAFFIC",    "FACE",      "STROBE",         "POLICE",
-                                                            "COMITY",     "PEDESTIAN", "IVS",            "ECOTRAFFIC",
-                                                            "ECOPOLICE",  "ENTRANCE_FLASH", "ENTRANCE_STROBE", "EVENT"};
-    static constexpr std::array<std::array<const char*, 2>, 9> kVariants = {{{"", ""},
-                                                                              {"", "_BLACKWHITE"},
-                                                                              {"HDR_", ""},
-                                                                              {"HDR_", "_BLACKWHITE"},
-                                                                              {"WDR_", ""},
-                                                                              {"WDR_", "_BLACKWHITE"},
-                                                                              {"", "_NIGHT"},
-                                                                              {"HDR_", "_NIGHT"},
-                                                                              {"WDR_", "_NIGHT"}}};
-    if (type >= 0 && type < 12) {
-        return std::string("PARAM_") + kBase[static_cast<size_t>(type)];
-    }
-    if (type >= 12 && type < PARAM_TABLE_TYPE_NUM) {
-        const auto scene = static_cast<size_t>(type - 12) / 9;
-        const auto variant = static_cast<size_t>(type - 12) % 9;
-        return std::string("PARAM_") + kVariants[variant][0] + kScenes[scene] + kVariants[variant][1];
-    }
-    if (type == PARAM_TABLE_TYPE_NUM) {
-        return "PARAM_TABLE_TYPE_NUM";
-    }
-    return "PARAM_<invalid " + std::to_string(type) + ">";
-}
 
 CFG_DspIspCfgParam makeDefaultParamTable(uint32_t variant) {
     CFG_DspIspCfgParam t;
@@ -158,42 +85,32 @@ CFG_DspIspCfgParam makeDefaultParamTable(uint32_t variant) {
     return t;
 }
 
-int32_t paramFileChecksum(const uint8_t* header104, const uint8_t* block, size_t blockSize) {
-    uint32_t sum = 0;
-    for (size_t i = 0; i < kHeaderBytes; i += 4) {
-        sum ^= getWord(header104 + i);
-    }
-    for (size_t i = 0; i + 4 <= blockSize; i += 4) {
-        sum ^= getWord(block + i);
-    }
-    return static_cast<int32_t>(sum);
+ParamFileBuilder::ParamFileBuilder() {
+    image_.header.verBits = ispcfg::bitsFromFloat(ISPDSP_PARAM_FILE_VERSION);
+    image_.header.subVerBits = ispcfg::bitsFromFloat(1.0f);
+    image_.header.dateTime = textField("2024-05-17 09:30:00");
+    image_.header.archName = textField("ISPDSP-SOC");
+    image_.header.pdtName = textField("IPC-NIR-FUSION");
 }
 
-ParamFileBuilder::ParamFileBuilder()
-    : ver_(ISPDSP_PARAM_FILE_VERSION),
-      subVer_(1.0f),
-      dateTime_("2024-05-17 09:30:00"),
-      archName_("ISPDSP-SOC"),
-      pdtName_("IPC-NIR-FUSION") {}
-
 ParamFileBuilder& ParamFileBuilder::version(float ver) {
-    ver_ = ver;
+    image_.header.verBits = ispcfg::bitsFromFloat(ver);
     return *this;
 }
 ParamFileBuilder& ParamFileBuilder::subVersion(float subVer) {
-    subVer_ = subVer;
+    image_.header.subVerBits = ispcfg::bitsFromFloat(subVer);
     return *this;
 }
 ParamFileBuilder& ParamFileBuilder::dateTime(std::string_view text) {
-    dateTime_ = std::string(text.substr(0, kTextBytes));
+    image_.header.dateTime = textField(text);
     return *this;
 }
 ParamFileBuilder& ParamFileBuilder::archName(std::string_view text) {
-    archName_ = std::string(text.substr(0, kTextBytes));
+    image_.header.archName = textField(text);
     return *this;
 }
 ParamFileBuilder& ParamFileBuilder::productName(std::string_view text) {
-    pdtName_ = std::string(text.substr(0, kTextBytes));
+    image_.header.pdtName = textField(text);
     return *this;
 }
 
@@ -201,15 +118,15 @@ ParamFileBuilder& ParamFileBuilder::addTable(int32_t type) {
     return addTable(type, makeDefaultParamTable(static_cast<uint32_t>(type)));
 }
 
+// Struct copies need not carry padding: it is written as 0, so the same field values give the same file.
 ParamFileBuilder& ParamFileBuilder::addTable(int32_t type, const CFG_DspIspCfgParam& table) {
-    putWord(entries_, static_cast<uint32_t>(type));
-    const auto* bytes = reinterpret_cast<const uint8_t*>(&table);
-    const size_t start = entries_.size();
-    entries_.insert(entries_.end(), bytes, bytes + sizeof table);
-    for (const Gap& g : kTablePadding) {
-        std::fill(entries_.begin() + static_cast<ptrdiff_t>(start + g.begin),
-                  entries_.begin() + static_cast<ptrdiff_t>(start + g.end), uint8_t{0});
-    }
+    static_assert(sizeof table == ispcfg::kTableBytes);
+    ispcfg::TableEntry entry;
+    entry.type = type;
+    std::memcpy(entry.bytes.data(), &table, sizeof table);
+    const auto& padding = ispcfg::paddingMask();
+    for (size_t i = 0; i < entry.bytes.size(); ++i) entry.bytes[i] = padding[i] ? 0 : entry.bytes[i];
+    image_.entries.push_back(entry);
     return *this;
 }
 
@@ -235,52 +152,39 @@ ParamFileBuilder& ParamFileBuilder::trailingBytes(std::vector<uint8_t> bytes) {
 }
 
 std::vector<uint8_t> ParamFileBuilder::headerBytes() const {
-    std::vector<uint8_t> out;
-    out.reserve(kHeaderBytes);
-    putWord(out, floatBits(ver_));
-    putText(out, dateTime_);
-    putWord(out, floatBits(subVer_));
-    putText(out, archName_);
-    putText(out, pdtName_);
-    return out;
+    const auto header = ispcfg::headerBytes(image_.header);
+    return {header.begin(), header.end()};
 }
 
-std::vector<uint8_t> ParamFileBuilder::blockBytes() const { return rawBlock_ ? *rawBlock_ : entries_; }
+// The tool's whole file with the entries; its block lies between the size word and the checksum.
+std::vector<uint8_t> ParamFileBuilder::blockBytes() const {
+    if (rawBlock_) return *rawBlock_;
+    const std::vector<uint8_t> file = ispcfg::serializeParamFile(image_);
+    return {file.begin() + kHeaderBytes + 4, file.end() - 4};
+}
 
 int32_t ParamFileBuilder::checksum() const {
-    const std::vector<uint8_t> header = headerBytes();
     const std::vector<uint8_t> block = blockBytes();
-    return paramFileChecksum(header.data(), block.data(), block.size());
+    return ispcfg::fileChecksum(headerBytes().data(), block.data(), block.size());
 }
 
 std::vector<uint8_t> ParamFileBuilder::build() const {
+    const CFG_IspParamTable header = expectedHeader();
     std::vector<uint8_t> out = headerBytes();
     const std::vector<uint8_t> block = blockBytes();
-    putWord(out, sizeWord_.value_or(static_cast<uint32_t>(block.size())));
+    putWord(out, header.cfg_specParam.size);
     out.insert(out.end(), block.begin(), block.end());
-    const uint32_t sum = static_cast<uint32_t>(chksumOverride_.value_or(checksum())) ^ chksumMask_;
-    putWord(out, sum);
+    putWord(out, static_cast<uint32_t>(header.chksum));
     out.insert(out.end(), trailing_.begin(), trailing_.end());
     return out;
 }
 
 CFG_IspParamTable ParamFileBuilder::expectedHeader() const {
     CFG_IspParamTable h{};
-    const std::vector<uint8_t> header = headerBytes();
-    std::memcpy(&h, header.data(), kHeaderBytes);
+    std::memcpy(&h, headerBytes().data(), kHeaderBytes);
     h.cfg_specParam.size = sizeWord_.value_or(static_cast<uint32_t>(blockBytes().size()));
     h.chksum = static_cast<int32_t>(static_cast<uint32_t>(chksumOverride_.value_or(checksum())) ^ chksumMask_);
     return h;
-}
-
-bool ParamFileBuilder::writeTo(const std::string& hostPath) const {
-    const std::vector<uint8_t> bytes = build();
-    std::FILE* file = std::fopen(hostPath.c_str(), "wb");
-    if (file == nullptr) {
-        return false;
-    }
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    return std::fclose(file) == 0 && written;
 }
 
 }  // namespace ispdsp_test

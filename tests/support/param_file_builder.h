@@ -4,8 +4,10 @@
 // size S, S block bytes, the checksum word, then optional trailing bytes. The block is a run of
 // 8824-byte entries (Int32 table type + CFG_DspIspCfgParam) unless raw bytes replace it.
 //
-// The checksum is computed here independently of the library (XOR of the 26 header words and the
-// first floor(S / 4) block words), so tests can check the reader against it.
+// The bytes are written by the tuning tool's codec (ispdsp_tuning_codec: header, entries, checksum
+// = XOR of the 26 header words and the first floor(S / 4) block words), independent of the
+// library, so tests check the reader against the writer that makes the real files; this layer adds
+// the faults the tool never writes.
 //
 // Usage:
 //   auto bytes = ispdsp_test::ParamFileBuilder()
@@ -13,32 +15,24 @@
 //                    .addTable(PARAM_TRAFFIC, myTable)
 //                    .build();
 //   sandbox.writeFile("/var/tmp/dsp_isp_para.bin", bytes);
-//
-// Plain C++ (no test framework), so tools can compile it too.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "ispdsp/param_table.h"
+#include "param_file_image.h"
 
 namespace ispdsp_test {
-
-// "PARAM_HDR_TRAFFIC_BLACKWHITE" for 15; "PARAM_TABLE_TYPE_NUM" for 120; "PARAM_<invalid n>" otherwise.
-std::string paramTableTypeName(int32_t type);
 
 // A plausible table: fusion enabled, sixteen fusion records that move smoothly with the gain step
 // (more blur, less detail and colour, more NIR weight as the gain rises), every value inside the
 // DSP's ranges, and mid-range records for the other stages. `variant` (e.g. the table type) shifts
 // a few values so that tables of different types differ; the same variant gives the same bytes.
 CFG_DspIspCfgParam makeDefaultParamTable(uint32_t variant = 0);
-
-// The file checksum over header bytes 0..103 and the first floor(blockSize / 4) block words.
-int32_t paramFileChecksum(const uint8_t* header104, const uint8_t* block, size_t blockSize);
 
 class ParamFileBuilder {
 public:
@@ -81,16 +75,8 @@ public:
     // The header record a successful load of build() leaves behind (reserved word 0).
     CFG_IspParamTable expectedHeader() const;
 
-    // Writes build() to a host path; false on any I/O error.
-    bool writeTo(const std::string& hostPath) const;
-
 private:
-    float ver_;
-    float subVer_;
-    std::string dateTime_;
-    std::string archName_;
-    std::string pdtName_;
-    std::vector<uint8_t> entries_;
+    ispcfg::ParamFileImage image_;  // header fields and entries, as the tool writes them
     std::optional<std::vector<uint8_t>> rawBlock_;
     std::optional<uint32_t> sizeWord_;
     std::optional<int32_t> chksumOverride_;
