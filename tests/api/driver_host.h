@@ -23,14 +23,10 @@ namespace driver_test {
 inline constexpr const char* kCommonParamFile = "/var/tmp/dsp_isp_para.bin";
 inline std::string pipeParamFile(Uint32 pipeId) { return "/var/tmp/" + std::to_string(pipeId) + "/dsp_isp_para.bin"; }
 
-// The three places of the registration file, by registerFlag.
+// The three places of the registration file, by registerFlag (1..3).
 inline const char* registrationPath(int place) {
-    switch (place) {
-        case 1: return "/var/tmp/calibration.txt";
-        case 2: return "/var/calibration.txt";
-        case 3: return "/mnt/mtd/calibration.txt";
-        default: return "";
-    }
+    static const char* const kPaths[] = {"", "/var/tmp/calibration.txt", "/var/calibration.txt", "/mnt/mtd/calibration.txt"};
+    return kPaths[place];
 }
 
 // A well-formed registration file with the given zoom positions and two register pairs each.

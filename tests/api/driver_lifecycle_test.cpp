@@ -83,10 +83,7 @@ TEST_F(DriverLifecycle, CreationFillsTheTableAndTheInstance) {
     EXPECT_NE(instance->dspCfgTables.paramTables[PARAM_BLACKWHITE], nullptr);
     EXPECT_EQ(instance->dspCfgTables.paramTables[PARAM_HDR_MULTICOLOR], nullptr);
     EXPECT_EQ(instance->dspCfgTables.curTable, nullptr);
-    EXPECT_EQ(instance->dspCfgTables.curTableIdx, 0u);
-    EXPECT_EQ(instance->quickStart, 0u);
     EXPECT_EQ(instance->registerFlag, 0);
-    EXPECT_EQ(instance->refPipeParams.refXHndl, nullptr);
     ASSERT_NE(instance->w_nir1, nullptr);
     ASSERT_NE(instance->w_nir2, nullptr);
     EXPECT_NE(instance->w_nir1, instance->w_nir2);

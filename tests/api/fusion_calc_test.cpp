@@ -160,18 +160,6 @@ TEST(FusionCalc, GeneratedSmallBlendsMatchTheModel) {
     EXPECT_TRUE(rig.guardsIntact());
 }
 
-// Equal indexes give that record for any finite coefficient.
-TEST(FusionCalc, EqualIndexesCopyTheRecord) {
-    CalcRig rig;
-    fillInRange(rig.rec(9), 2);
-    for (float c : {0.3f, -4.0f, 9.5f, 3e38f}) {
-        rig.blend(9, 9, c);
-        ASSERT_EQ(rig.run(), 0);
-        EXPECT_EQ(std::memcmp(&rig.out.fusionParam, &rig.rec(9), FUSION_PARAM_V2_7_22_SCALAR_BYTES), 0) << c;
-        EXPECT_EQ(std::memcmp(rig.curve(), rig.rec(9).w_nir, FUSION_NIR_POINTS), 0) << c;
-    }
-}
-
 TEST(FusionCalc, NullInputsAndGainIndexesOutsideTheRecordsWriteNothing) {
     struct Case {
         const char* error;
