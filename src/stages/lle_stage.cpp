@@ -1,39 +1,6 @@
-// LLE: calculation map, debug ids and log lines.
+// LLE: the exported calculation, debug setter and print, carried out by the
+// stage engine on the tables of lle_rules.h.
+#include "stages/lle_rules.h"
 #include "stages/stage_engine.h"
 
-namespace {
-using namespace ispdsp::stages;
-ISPDSP_STAGE_TYPES(Lle, V203);
-
-constexpr CalcStep kCalc[] = {
-    range(PAYLOAD(lleParam.vorn_hi_lle_window_gain), INPUT(lleParam.window_gain), 128, 512),
-    cap(PAYLOAD(lleParam.vorn_hi_lle_gamma), INPUT(lleParam.gamma), 6),
-    cap(PAYLOAD(lleParam.vorn_hi_lle_edge), INPUT(lleParam.edge), 32),
-    cap(PAYLOAD(lleParam.vorn_hi_lle_denoise), INPUT(lleParam.denoise), 5),
-    cap(PAYLOAD(lleParam.vorn_hi_lle_fusion_weight), INPUT(lleParam.fusion_weight), 7),
-    flag(PAYLOAD(lleParam.vorn_hi_lle_debug_pin), INPUT(debug_pin)),
-};
-
-constexpr LogLine kSetLines[] = {
-    line("[DSP_DRV] [set LLE]window_gain=%d,gamma=%d,edge=%d,denoise=%d,fusion_weight=%d,debug_pin=%d\n",
-         PAYLOAD(lleParam.vorn_hi_lle_window_gain), PAYLOAD(lleParam.vorn_hi_lle_gamma),
-         PAYLOAD(lleParam.vorn_hi_lle_edge), PAYLOAD(lleParam.vorn_hi_lle_denoise),
-         PAYLOAD(lleParam.vorn_hi_lle_fusion_weight), PAYLOAD(lleParam.vorn_hi_lle_debug_pin)),
-};
-
-// Ids 1 to 4 have an upper bound only: -1 stores 255 (and the calculation then sends the cap).
-constexpr DebugId kIds[] = {
-    between(RECORD(window_gain), 128, 512, "[DSP_DRV] lle window_gain is %u\n"),
-    atMost(RECORD(gamma), 6, "[DSP_DRV] lle gamma is %u\n"),
-    atMost(RECORD(edge), 32, "[DSP_DRV] lle edge is %u\n"),
-    atMost(RECORD(denoise), 5, "[DSP_DRV] lle denoise is %u\n"),
-    atMost(RECORD(fusion_weight), 7, "[DSP_DRV] lle fusion_weight is %u\n"),
-};
-
-constexpr LogLine kPrintLines[] = {
-    line("[DSP_DRV] [cfg LLE]window_gain=%d,gamma=%d,edge=%d,denoise=%d,fusion_weight=%d\n",
-         RECORD(window_gain), RECORD(gamma), RECORD(edge), RECORD(denoise), RECORD(fusion_weight)),
-};
-}  // namespace
-
-ISPDSP_DEFINE_STAGE(Lle, V203, lleCalParam, cfgLleParam, kCalc, kSetLines, kIds, kPrintLines)
+ISPDSP_DEFINE_STAGE(Lle, V203, lleCalParam, cfgLleParam, ::ispdsp::stages::lle)

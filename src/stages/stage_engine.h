@@ -30,31 +30,20 @@ Int32 print(const StageRules& rules, CallSite site, const void* record, const ch
 
 }  // namespace ispdsp::stages
 
-// Names the public types of stage `Name` as In, Payload and Record, which the
-// field macros of its tables (INPUT, PAYLOAD, RECORD) refer to.
-#define ISPDSP_STAGE_TYPES(Name, Ver)      \
-    using In = DSP_##Name##CalculateParam; \
-    using Payload = DSP_##Name##Ver;       \
-    using Record = CFG_DSP_##Name##Ver
-
-// Builds the rules of stage `Name` from its four tables and defines its
-// exported calculation, debug setter and print. The parameter names are the
-// ones the error lines report.
-#define ISPDSP_DEFINE_STAGE(Name, Ver, calcParam, cfgParam, calcSteps, setLines, debugIds, printLines)            \
-    static_assert(std::is_same_v<In, DSP_##Name##CalculateParam> && std::is_same_v<Payload, DSP_##Name##Ver> &&   \
-                      std::is_same_v<Record, CFG_DSP_##Name##Ver>,                                             \
-                  "the tables of " #Name " describe other types");                                           \
-    namespace {                                                                                                \
-    constexpr ::ispdsp::stages::StageRules k##Name##Rules =                                                    \
-        ::ispdsp::stages::stage<In, Payload, Record>(calcSteps, setLines, debugIds, printLines);               \
-    }                                                                                                          \
-    Int32 DRV_dspCalculate##Name(DSP_##Name##CalculateParam* calcParam, DSP_##Name##Ver* param) {              \
-        return ::ispdsp::stages::calculate(k##Name##Rules, {__func__, __LINE__}, calcParam, #calcParam, param); \
-    }                                                                                                          \
-    Int32 DRV_dspdbg##Name(CFG_DSP_##Name##Ver* cfgParam, Int32 pcmd_id, Int32 value) {                        \
-        return ::ispdsp::stages::debugSet(k##Name##Rules, {__func__, __LINE__}, cfgParam, #cfgParam, pcmd_id,   \
-                                          value);                                                              \
-    }                                                                                                          \
-    Int32 DRV_dspdbg##Name##Print(CFG_DSP_##Name##Ver* cfgParam) {                                             \
-        return ::ispdsp::stages::print(k##Name##Rules, {__func__, __LINE__}, cfgParam, #cfgParam);              \
+// Defines the exported calculation, debug setter and print of stage `Name` from the rules
+// in namespace `rules` (its xxx_rules.h). The parameter names are the ones the error lines
+// report.
+#define ISPDSP_DEFINE_STAGE(Name, Ver, calcParam, cfgParam, rules)                                                  \
+    static_assert(std::is_same_v<rules::In, DSP_##Name##CalculateParam> &&                                         \
+                      std::is_same_v<rules::Payload, DSP_##Name##Ver> &&                                           \
+                      std::is_same_v<rules::Record, CFG_DSP_##Name##Ver>,                                          \
+                  "the tables of " #Name " describe other types");                                                \
+    Int32 DRV_dspCalculate##Name(DSP_##Name##CalculateParam* calcParam, DSP_##Name##Ver* param) {                 \
+        return ::ispdsp::stages::calculate(rules::kRules, {__func__, __LINE__}, calcParam, #calcParam, param);     \
+    }                                                                                                             \
+    Int32 DRV_dspdbg##Name(CFG_DSP_##Name##Ver* cfgParam, Int32 pcmd_id, Int32 value) {                           \
+        return ::ispdsp::stages::debugSet(rules::kRules, {__func__, __LINE__}, cfgParam, #cfgParam, pcmd_id, value); \
+    }                                                                                                             \
+    Int32 DRV_dspdbg##Name##Print(CFG_DSP_##Name##Ver* cfgParam) {                                                \
+        return ::ispdsp::stages::print(rules::kRules, {__func__, __LINE__}, cfgParam, #cfgParam);                  \
     }

@@ -1,7 +1,8 @@
 // The rules of one enhancement stage, written as data: how its calculation
 // fills the DSP payload, what each debug id changes and how it clamps, and the
 // lines the stage logs. One engine (stage_engine.cpp) carries the rules out for
-// every stage; each stage file holds nothing but its tables.
+// every stage. Each stage's tables live in its own header (lsm_rules.h, ...) as
+// constexpr data, so that host tools hold values to the very same limits.
 //
 // Tables are built with consteval helpers that reject, at compile time, a
 // field that does not fit its width, a bound that the field cannot hold, a
@@ -14,6 +15,7 @@
 #include <span>
 #include <utility>
 
+#include "ispdsp/stages.h"
 #include "ispdsp/types.h"
 
 namespace ispdsp::stages {
@@ -38,6 +40,13 @@ consteval Field fieldAt(std::size_t offset, std::size_t width) {
 }
 
 consteval Uint64 largestIn(Field field) { return (Uint64{1} << (8 * field.width)) - 1; }
+
+// Names the public types of stage `Name` as In, Payload and Record, which the
+// field macros of its tables (INPUT, PAYLOAD, RECORD) refer to.
+#define ISPDSP_STAGE_TYPES(Name, Ver)      \
+    using In = DSP_##Name##CalculateParam; \
+    using Payload = DSP_##Name##Ver;       \
+    using Record = CFG_DSP_##Name##Ver
 
 // Field references in a stage file, which names its three types In (calculation
 // input), Payload and Record. Offsets and widths come from the public layouts.

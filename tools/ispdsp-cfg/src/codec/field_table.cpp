@@ -1,14 +1,29 @@
-// Layouts come from the public record headers (offsetof/decltype), ranges from the driver's
-// calculations: fusion output limits after the gain blend, the stage calculations' caps and
-// ranges, the fusion plate weight. A field that the DSP takes whole keeps its full width.
+// Layouts come from the public record headers (offsetof/decltype). Ranges come from the
+// driver's own tables, never typed here: the fusion scalars' output limits
+// (fusion/fusion_fields.h, which also names and places them) and each stage's calculation
+// steps (stages/*_rules.h: a cap, a range, a 0/1 flag, or a copy that the DSP takes whole).
 #include "field_table.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
+#include "fusion/fusion_fields.h"
 #include "ispdsp/param_table.h"
+#include "stages/dlae_rules.h"
+#include "stages/dlcfa_rules.h"
+#include "stages/fg2c_rules.h"
+#include "stages/lae_rules.h"
+#include "stages/lle_rules.h"
+#include "stages/lsm_rules.h"
+#include "stages/sade_rules.h"
+#include "stages/sbm3d_rules.h"
+#include "stages/y2d_rules.h"
+#include "stages/ylwdr_rules.h"
+#include "stages/yuv2yuv_rules.h"
 
 namespace ispcfg {
 namespace {
@@ -32,157 +47,194 @@ constexpr Scalar scalarOf() {
     }
 }
 
-template <class T>
-constexpr int64_t lowest() {
-    return std::numeric_limits<std::remove_cvref_t<T>>::min();
-}
-template <class T>
-constexpr int64_t highest() {
-    return std::numeric_limits<std::remove_cvref_t<T>>::max();
-}
-
 using Table = CFG_DspIspCfgParam;
 using Step = CFG_DSP_FusionV2722;
+using ispdsp::stages::StageRules;
+
+// Where a field lies; its range is looked up in the driver's tables (see rangeOf).
+struct Layout {
+    const char* record;
+    const char* group;
+    const char* name;
+    uint16_t offset;  // inside the table
+    Scalar type;
+};
+
+// A stage record in the table and the rules its calculation follows. The fusion plate has no
+// rule table in the driver: its weight is held to 1..100 by the plate calculation itself.
+struct StageRecord {
+    const char* record;
+    uint16_t offset;
+    const StageRules* rules;
+};
+
+#define RECORD_AT(record, rules) StageRecord{#record, offsetof(Table, record), rules}
+const StageRecord kStageRecords[] = {
+    RECORD_AT(ispLsmParam, &ispdsp::stages::lsm::kRules),
+    RECORD_AT(ispLaeParam, &ispdsp::stages::lae::kRules),
+    RECORD_AT(ispSbm3dParam, &ispdsp::stages::sbm3d::kRules),
+    RECORD_AT(ispYuv2yuvParam, &ispdsp::stages::yuv2yuv::kRules),
+    RECORD_AT(ispFusionPlateParam, nullptr),
+    RECORD_AT(ispFg2cParam, &ispdsp::stages::fg2c::kRules),
+    RECORD_AT(ispLleParam, &ispdsp::stages::lle::kRules),
+    RECORD_AT(ispYlwdrParam, &ispdsp::stages::ylwdr::kRules),
+    RECORD_AT(ispY2dParam, &ispdsp::stages::y2d::kRules),
+    RECORD_AT(ispDlaeParam, &ispdsp::stages::dlae::kRules),
+    RECORD_AT(ispDlcfaParam, &ispdsp::stages::dlcfa::kRules),
+    RECORD_AT(ispSadeParam, &ispdsp::stages::sade::kRules),
+};
+#undef RECORD_AT
 
 // clang-format off
 #define MEMBER_TYPE(Type, member) decltype(std::declval<Type&>().member)
-#define ROW(rec, grp, name, Type, member, low, high)                                                   \
-    FieldDef{rec, grp, name, static_cast<uint16_t>(offsetof(Type, member)),                              \
-             scalarOf<MEMBER_TYPE(Type, member)>(), low, high}
-// A fusion scalar with its DSP range, or taken whole (full width).
-#define FUSION(member, low, high) ROW("fusion", "", #member, Step, member, low, high)
-#define FUSION_ANY(member) FUSION(member, lowest<MEMBER_TYPE(Step, member)>(), highest<MEMBER_TYPE(Step, member)>())
-// A stage field with its DSP range, or taken whole.
-#define STAGE(record, member, low, high) ROW(#record, "", #member, Table, record.member, low, high)
-#define STAGE_ANY(record, member) \
-    STAGE(record, member, lowest<MEMBER_TYPE(Table, record.member)>(), highest<MEMBER_TYPE(Table, record.member)>())
-#define LAE(group, member, low, high) ROW("ispLaeParam", #group, #member, Table, ispLaeParam.group.member, low, high)
-#define LAE_ANY(group, member) LAE(group, member, 0, 255)
+#define ROW(rec, grp, name, member) \
+    Layout{rec, grp, name, static_cast<uint16_t>(offsetof(Table, member)), scalarOf<MEMBER_TYPE(Table, member)>()}
+#define STAGE(record, member) ROW(#record, "", #member, record.member)
+#define LAE(group, member) ROW("ispLaeParam", #group, #member, ispLaeParam.group.member)
 
-const FieldDef kFields[] = {
-    ROW("", "", "ispFusionFlag", Table, ispFusionFlag, 0, 0xFFFFFFFF),  // 0: no fusion update
+// The stage records' fields in table order (the fusion scalars come from the driver's table).
+const Layout kStageLayout[] = {
+    STAGE(ispLsmParam, aw_left_thr),
+    STAGE(ispLsmParam, aw_right_thr),
+    STAGE(ispLsmParam, aw_top_thr),
+    STAGE(ispLsmParam, aw_bottom_thr),
 
-    // Fusion, one gain step: limits applied to the blended output.
-    FUSION(ep_delta, 1, 16383),
-    FUSION(fusion_hf_ratio, 0, 256),
-    FUSION(fwmin_wt, 0, 256),
-    FUSION(nir_k, 0, 256),
-    FUSION(hf_zoom, 0, 2047),
-    FUSION(dark_inner, 0, 65025),
-    FUSION(high_lum_thr, -256, -1),
-    FUSION_ANY(fwmin_limit),
-    FUSION_ANY(fwmax_limit),
-    FUSION(copy_en, 0, 1),
-    FUSION(nir_a, -1, 1),
-    FUSION(vis_b, -1, 1),
-    FUSION_ANY(nir_min),
-    FUSION_ANY(uv_coef),
-    FUSION(uv_diff_thr, 1, 255),
-    FUSION_ANY(uv_diff_min),
-    FUSION_ANY(uv_diff_max),
-    FUSION_ANY(uv_vlight_min),
-    FUSION_ANY(uv_vlight_max),
-    FUSION(uv_sat_limit, 1, 255),
-    FUSION(uv_rsmooth, 1, 255),
-    FUSION(uv_gsmooth, 1, 255),
-    FUSION(uv_bsmooth, 1, 255),
-    FUSION_ANY(uv_wmin),
-    FUSION_ANY(uv_wmax),
-    FUSION_ANY(uv_w),
+    LAE(plateLaeParam, manual_en),
+    LAE(plateLaeParam, gbce_level),
+    LAE(plateLaeParam, gbce_lut_index),
+    LAE(plateLaeParam, ee_level),
+    LAE(plateLaeParam, nf_level),
+    LAE(plateLaeParam, blue_color_level),
+    LAE(plateLaeParam, green_luma_ave_thr),
+    LAE(plateLaeParam, green_bg_noise_level),
+    LAE(plateLaeParam, green_color_level),
+    LAE(plateLaeParam, blue_binary_thr),
+    LAE(plateLaeParam, blue_proc_thr),
+    LAE(windowLaeParam, manual_en),
+    LAE(windowLaeParam, gbce_level),
+    LAE(windowLaeParam, gbce_lut_index),
+    LAE(windowLaeParam, ee_level),
+    LAE(windowLaeParam, nf_level),
 
-    // Stage records in table order.
-    STAGE(ispLsmParam, aw_left_thr, 0, 1024),
-    STAGE(ispLsmParam, aw_right_thr, 0, 1024),
-    STAGE(ispLsmParam, aw_top_thr, 0, 1024),
-    STAGE(ispLsmParam, aw_bottom_thr, 0, 1024),
+    STAGE(ispSbm3dParam, sbm3d_threshold),
 
-    LAE(plateLaeParam, manual_en, 0, 1),
-    LAE(plateLaeParam, gbce_level, 0, 4),
-    LAE(plateLaeParam, gbce_lut_index, 0, 11),
-    LAE(plateLaeParam, ee_level, 0, 5),
-    LAE(plateLaeParam, nf_level, 0, 100),
-    LAE(plateLaeParam, blue_color_level, 0, 9),
-    LAE_ANY(plateLaeParam, green_luma_ave_thr),
-    LAE(plateLaeParam, green_bg_noise_level, 0, 512),
-    LAE(plateLaeParam, green_color_level, 0, 9),
-    LAE_ANY(plateLaeParam, blue_binary_thr),
-    LAE_ANY(plateLaeParam, blue_proc_thr),
-    LAE(windowLaeParam, manual_en, 0, 1),
-    LAE(windowLaeParam, gbce_level, 1, 10),
-    LAE(windowLaeParam, gbce_lut_index, 0, 11),
-    LAE(windowLaeParam, ee_level, 0, 5),
-    LAE(windowLaeParam, nf_level, 0, 100),
+    STAGE(ispYuv2yuvParam, enable),
 
-    STAGE(ispSbm3dParam, sbm3d_threshold, 0, 16384),
+    STAGE(ispFusionPlateParam, fuse_weight),
 
-    STAGE(ispYuv2yuvParam, enable, 0, 1),
+    STAGE(ispFg2cParam, need_win_enhence),
+    STAGE(ispFg2cParam, win_fusion_weight),
+    STAGE(ispFg2cParam, face_fusion_weight),
+    STAGE(ispFg2cParam, face_fusion_pad),
 
-    STAGE(ispFusionPlateParam, fuse_weight, 1, 100),
+    STAGE(ispLleParam, window_gain),
+    STAGE(ispLleParam, gamma),
+    STAGE(ispLleParam, edge),
+    STAGE(ispLleParam, denoise),
+    STAGE(ispLleParam, fusion_weight),
 
-    STAGE(ispFg2cParam, need_win_enhence, 0, 2),
-    STAGE(ispFg2cParam, win_fusion_weight, 0, 8),
-    STAGE(ispFg2cParam, face_fusion_weight, 0, 8),
-    STAGE(ispFg2cParam, face_fusion_pad, 0, 20),
+    STAGE(ispYlwdrParam, hist_thr),
+    STAGE(ispYlwdrParam, scope_thr),
+    STAGE(ispYlwdrParam, lep_alpha),
+    STAGE(ispYlwdrParam, lut_weight),
+    STAGE(ispYlwdrParam, yout_thr0),
+    STAGE(ispYlwdrParam, yout_thr1),
+    STAGE(ispYlwdrParam, alpha1),
+    STAGE(ispYlwdrParam, alpha2),
+    STAGE(ispYlwdrParam, alpha31),
+    STAGE(ispYlwdrParam, alpha32),
+    STAGE(ispYlwdrParam, d1_thr1),
+    STAGE(ispYlwdrParam, d1_thr2),
+    STAGE(ispYlwdrParam, d1_thr3),
+    STAGE(ispYlwdrParam, d2_thr1),
+    STAGE(ispYlwdrParam, d2_thr2),
+    STAGE(ispYlwdrParam, gamma_coef),
+    STAGE(ispYlwdrParam, uv_thr),
+    STAGE(ispYlwdrParam, uv_gain),
 
-    STAGE(ispLleParam, window_gain, 128, 512),
-    STAGE(ispLleParam, gamma, 0, 6),
-    STAGE(ispLleParam, edge, 0, 32),
-    STAGE(ispLleParam, denoise, 0, 5),
-    STAGE(ispLleParam, fusion_weight, 0, 7),
+    STAGE(ispY2dParam, sd_spe),
+    STAGE(ispY2dParam, sd_de_gau0),
+    STAGE(ispY2dParam, sd_de_gau1),
+    STAGE(ispY2dParam, sd_dark),
+    STAGE(ispY2dParam, sd_dark_ra),
+    STAGE(ispY2dParam, sd_bright),
+    STAGE(ispY2dParam, sd_bright_ra),
+    STAGE(ispY2dParam, sd_ee_gau0),
+    STAGE(ispY2dParam, sd_sigma),
+    STAGE(ispY2dParam, sd_ee_gau1),
+    STAGE(ispY2dParam, sd_ee_slope),
+    STAGE(ispY2dParam, win_size),
 
-    STAGE(ispYlwdrParam, hist_thr, 0, 65535),
-    STAGE(ispYlwdrParam, scope_thr, 0, 31),
-    STAGE(ispYlwdrParam, lep_alpha, 0, 8192),
-    STAGE(ispYlwdrParam, lut_weight, 0, 256),
-    STAGE_ANY(ispYlwdrParam, yout_thr0),
-    STAGE_ANY(ispYlwdrParam, yout_thr1),
-    STAGE(ispYlwdrParam, alpha1, 0, 16),
-    STAGE(ispYlwdrParam, alpha2, 0, 16),
-    STAGE(ispYlwdrParam, alpha31, 0, 63),
-    STAGE(ispYlwdrParam, alpha32, 0, 63),
-    STAGE(ispYlwdrParam, d1_thr1, 0, 31),
-    STAGE(ispYlwdrParam, d1_thr2, 0, 64),
-    STAGE(ispYlwdrParam, d1_thr3, 0, 64),
-    STAGE(ispYlwdrParam, d2_thr1, 0, 64),
-    STAGE(ispYlwdrParam, d2_thr2, 0, 64),
-    STAGE(ispYlwdrParam, gamma_coef, 0, 63),
-    STAGE(ispYlwdrParam, uv_thr, 0, 63),
-    STAGE(ispYlwdrParam, uv_gain, 0, 63),
+    STAGE(ispDlaeParam, fusion_weight),
+    STAGE(ispDlaeParam, window_gain),
+    STAGE(ispDlaeParam, gamma),
+    STAGE(ispDlaeParam, edge),
+    STAGE(ispDlaeParam, denoise),
 
-    STAGE_ANY(ispY2dParam, sd_spe),
-    STAGE_ANY(ispY2dParam, sd_de_gau0),
-    STAGE_ANY(ispY2dParam, sd_de_gau1),
-    STAGE_ANY(ispY2dParam, sd_dark),
-    STAGE_ANY(ispY2dParam, sd_dark_ra),
-    STAGE_ANY(ispY2dParam, sd_bright),
-    STAGE_ANY(ispY2dParam, sd_bright_ra),
-    STAGE_ANY(ispY2dParam, sd_ee_gau0),
-    STAGE_ANY(ispY2dParam, sd_sigma),
-    STAGE_ANY(ispY2dParam, sd_ee_gau1),
-    STAGE_ANY(ispY2dParam, sd_ee_slope),
-    STAGE(ispY2dParam, win_size, 2, 3),
+    STAGE(ispDlcfaParam, ee_level),
+    STAGE(ispDlcfaParam, gamma),
+    STAGE(ispDlcfaParam, luma_contrast),
+    STAGE(ispDlcfaParam, denoise),
+    STAGE(ispDlcfaParam, fusion_weight),
 
-    STAGE(ispDlaeParam, fusion_weight, 0, 8),
-    STAGE(ispDlaeParam, window_gain, 128, 512),
-    STAGE(ispDlaeParam, gamma, 0, 6),
-    STAGE(ispDlaeParam, edge, 0, 12),
-    STAGE(ispDlaeParam, denoise, 0, 5),
-
-    STAGE(ispDlcfaParam, ee_level, 0, 511),
-    STAGE(ispDlcfaParam, gamma, 0, 6),
-    STAGE(ispDlcfaParam, luma_contrast, 0, 11),
-    STAGE(ispDlcfaParam, denoise, 0, 4),
-    STAGE(ispDlcfaParam, fusion_weight, 0, 7),
-
-    STAGE(ispSadeParam, model_type, 0, 2),
-    STAGE(ispSadeParam, ee_level, 0, 10),
-    STAGE(ispSadeParam, nr_level, 0, 100),
-    STAGE(ispSadeParam, black_edge, 0, 200),
-    STAGE(ispSadeParam, white_edge, 0, 200),
+    STAGE(ispSadeParam, model_type),
+    STAGE(ispSadeParam, ee_level),
+    STAGE(ispSadeParam, nr_level),
+    STAGE(ispSadeParam, black_edge),
+    STAGE(ispSadeParam, white_edge),
 };
 // clang-format on
 
-constexpr size_t kFusionScalars = 26;
+constexpr int64_t kFuseWeightLow = 1, kFuseWeightHigh = 100;  // see StageRecord
+
+// The range the stage's calculation lets through for the field at `offset` in its record.
+std::pair<int64_t, int64_t> rangeOf(const StageRecord& record, const Layout& field) {
+    if (record.rules == nullptr) return {kFuseWeightLow, kFuseWeightHigh};
+    const size_t at = field.offset - record.offset;  // the calculation input starts with the record
+    for (const ispdsp::stages::CalcStep& step : record.rules->calc) {
+        if (step.from.offset != at) continue;
+        switch (step.rule) {
+            case ispdsp::stages::Rule::Copy: break;
+            case ispdsp::stages::Rule::Cap: return {0, step.high};
+            case ispdsp::stages::Rule::Range: return {step.low, step.high};
+            case ispdsp::stages::Rule::Flag: return {0, 1};
+        }
+    }
+    return {minOf(field.type), maxOf(field.type)};  // taken whole
+}
+
+const StageRecord& recordOf(const Layout& field) {
+    for (const StageRecord& r : kStageRecords) {
+        if (std::strcmp(r.record, field.record) == 0) return r;
+    }
+    std::abort();  // every layout row names one of the records above
+}
+
+Scalar scalarOfWidth(size_t width, bool isSigned) {
+    if (width == 1) return isSigned ? Scalar::I8 : Scalar::U8;
+    return isSigned ? Scalar::I16 : Scalar::U16;
+}
+
+// The table-level flag, the fusion scalars from the driver's table, then the stage fields.
+std::vector<FieldDef> buildFields() {
+    std::vector<FieldDef> fields;
+    fields.push_back({"", "", "ispFusionFlag", offsetof(Table, ispFusionFlag), Scalar::U32, 0, 0xFFFFFFFF});
+    for (const ispdsp::fusion::ScalarField& f : ispdsp::fusion::kScalarFields) {
+        fields.push_back({"fusion", "", f.name, f.offset, scalarOfWidth(f.width, f.isSigned), f.lo, f.hi});
+    }
+    for (const Layout& l : kStageLayout) {
+        const auto [low, high] = rangeOf(recordOf(l), l);
+        fields.push_back({l.record, l.group, l.name, l.offset, l.type, low, high});
+    }
+    return fields;
+}
+
+const std::vector<FieldDef>& fieldTable() {
+    static const std::vector<FieldDef> fields = buildFields();
+    return fields;
+}
+
+constexpr size_t kFusionScalars = static_cast<size_t>(ispdsp::fusion::kScalarFieldCount);
 constexpr size_t kFirstStageField = 1 + kFusionScalars;
 
 static_assert(sizeof(Table) == kTableBytes && sizeof(Step) == kStepBytes, "record sizes");
@@ -191,10 +243,10 @@ static_assert(sizeof(Step::w_nir) == kNirPoints, "curve length");
 
 }  // namespace
 
-std::span<const FieldDef> allFields() { return kFields; }
-std::span<const FieldDef> fusionFields() { return std::span(kFields).subspan(1, kFusionScalars); }
-std::span<const FieldDef> stageFields() { return std::span(kFields).subspan(kFirstStageField); }
-const FieldDef& fusionFlagField() { return kFields[0]; }
+std::span<const FieldDef> allFields() { return fieldTable(); }
+std::span<const FieldDef> fusionFields() { return allFields().subspan(1, kFusionScalars); }
+std::span<const FieldDef> stageFields() { return allFields().subspan(kFirstStageField); }
+const FieldDef& fusionFlagField() { return fieldTable()[0]; }
 
 size_t widthOf(Scalar type) {
     switch (type) {

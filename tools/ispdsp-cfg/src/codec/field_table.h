@@ -1,6 +1,7 @@
 // The one table of every named value in a parameter table: where it lies, how wide it is and
-// the range the DSP accepts (the limits the driver's calculations hold it to). The JSON codecs,
-// `check`, `diff` and `plot` all walk this table, so a field is described exactly once.
+// the range the DSP accepts (the limits the driver's calculations hold it to, read from the
+// driver's own rule tables). The JSON codecs, `check`, `diff` and `plot` all walk this table,
+// so a field is described exactly once.
 #pragma once
 
 #include <array>
