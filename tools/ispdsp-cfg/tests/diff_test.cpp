@@ -1,4 +1,4 @@
-// diff: header fields, tables present in one file only, changed fields and curves.
+// diff: header fields, tables present in one file only, changed fields, curves and checksums.
 #include <gtest/gtest.h>
 
 #include "commands.h"
@@ -10,54 +10,54 @@ namespace {
 using namespace ispcfg;
 using namespace ispcfg_test;
 
-RunResult diffImages(const TempDir& dir, const ParamFileImage& a, const ParamFileImage& b) {
-    writeBytes(dir.path("a.bin"), serializeParamFile(a));
-    writeBytes(dir.path("b.bin"), serializeParamFile(b));
+RunResult diffFiles(const TempDir& dir, const std::vector<uint8_t>& a, const std::vector<uint8_t>& b) {
+    writeBytes(dir.path("a.bin"), a);
+    writeBytes(dir.path("b.bin"), b);
     return run([&](auto& out, auto& err) { return runDiff(dir.path("a.bin"), dir.path("b.bin"), out, err); });
 }
 
 TEST(Diff, IdenticalFilesHaveNoDifferences) {
     TempDir dir;
-    const RunResult r = diffImages(dir, sampleImage(), sampleImage());
+    const RunResult r = diffFiles(dir, readBytes(sampleBinaryPath()), serializeParamFile(sampleImage()));
     EXPECT_EQ(r.status, kExitOk);
     EXPECT_EQ(r.out, "no differences\n");
 }
 
-TEST(Diff, FindsAChangedFieldByTableAndField) {
+TEST(Diff, NamesTheTableAndFieldOfEachChange) {
     TempDir dir;
     const ParamFileImage a = sampleImage();
     ParamFileImage b = a;
-    TableEntry& traffic = tableOf(b, PARAM_TRAFFIC);
-    const int64_t before = getField(traffic, "fusion", 3, "ep_delta");
-    setField(traffic, "fusion", 3, "ep_delta", before + 5);
+    const int64_t before = getField(tableOf(b, PARAM_TRAFFIC), "fusion", 3, "ep_delta");
+    setField(tableOf(b, PARAM_TRAFFIC), "fusion", 3, "ep_delta", before + 5);
     setField(tableOf(b, PARAM_FACE), "ispLaeParam.plateLaeParam", -1, "nf_level", 77);
-    const RunResult r = diffImages(dir, a, b);
-    EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("PARAM_TRAFFIC fusion[3].ep_delta: " + std::to_string(before) + " -> " +
-                         std::to_string(before + 5) + "\n"),
-              std::string::npos)
-        << r.out;
-    EXPECT_NE(r.out.find("PARAM_FACE ispLaeParam.plateLaeParam.nf_level: 40 -> 77\n"), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find("3 differences"), std::string::npos) << r.out;  // the two fields and the checksum
-}
-
-TEST(Diff, ReportsHeaderCurvesAndTablesInOneFileOnly) {
-    TempDir dir;
-    ParamFileImage a = sampleImage();
-    ParamFileImage b = a;
     b.header.pdtName = {'n', 'e', 'w'};
     b.entries.erase(b.entries.begin() + 8);  // PARAM_FACE
-    TableEntry extra = a.entries[0];
-    extra.type = PARAM_EVENT;
-    b.entries.push_back(extra);
+    b.entries.push_back(a.entries[0]);
+    b.entries.back().type = PARAM_EVENT;
     b.entries[0].bytes[kFusionOffset + 2 * kStepBytes + kNirOffset + 100] ^= 0x10;
-    const RunResult r = diffImages(dir, a, b);
+    const RunResult r = diffFiles(dir, serializeParamFile(a), serializeParamFile(b));
     EXPECT_EQ(r.status, kExitFindings);
-    EXPECT_NE(r.out.find("header.pdtName: \"dual-sensor-nir-bullet\" -> \"new\""), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find("only in " + dir.path("a.bin") + ": PARAM_FACE"), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find("only in " + dir.path("b.bin") + ": PARAM_EVENT"), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find("PARAM_MULTICOLOR fusion[2].w_nir: 1 of 511 points differ (first [100]"), std::string::npos)
-        << r.out;
+    for (const std::string& line :
+         {"PARAM_TRAFFIC fusion[3].ep_delta: " + std::to_string(before) + " -> " + std::to_string(before + 5) + "\n",
+          std::string("header.pdtName: \"dual-sensor-nir-bullet\" -> \"new\"\n"),
+          "only in " + dir.path("a.bin") + ": PARAM_FACE\n", "only in " + dir.path("b.bin") + ": PARAM_EVENT\n",
+          std::string("PARAM_MULTICOLOR fusion[2].w_nir: 1 of 511 points differ (first [100]")}) {
+        EXPECT_NE(r.out.find(line), std::string::npos) << line << "\n" << r.out;
+    }
+}
+
+// A checksum that is missing or no longer matches the contents says so, on both sides.
+TEST(Diff, SaysWhenAChecksumIsMissingOrWrong) {
+    TempDir dir;
+    std::vector<uint8_t> a = serializeParamFile(sampleImage()), b = a;
+    a.resize(a.size() - 2);  // the checksum cut in half
+    b[200] ^= 0x01;          // contents changed, checksum kept
+    const RunResult r = diffFiles(dir, a, b);
+    EXPECT_EQ(r.status, kExitFindings);
+    EXPECT_NE(r.out.find("checksum: missing -> 0x"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find(" (does not match the contents: 0x"), std::string::npos) << r.out;
+    EXPECT_NE(r.err.find("error: " + dir.path("a.bin") + ": checksum word missing"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("error: " + dir.path("b.bin") + ": checksum 0x"), std::string::npos) << r.err;
 }
 
 }  // namespace
