@@ -1,6 +1,6 @@
-// Every subcommand against every kind of bad input, through the executable: the exit status
-// (0 ok, 1 errors or warnings in the input, 2 the command could not do its work) and the one
-// line that says what is wrong. No input ends the tool on an exception.
+// Every subcommand against good, damaged and wrong inputs, through the executable: the exit
+// status (0 ok, 1 errors or warnings in the input, 2 the command could not do its work) and a
+// line it must print. No input ends the tool on an exception.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -28,10 +28,29 @@ std::string expand(std::string text, const TempDir& dir) {
     return text;
 }
 
+void storeWord(std::vector<uint8_t>& bytes, size_t at, uint32_t v) {
+    for (int i = 0; i < 4; ++i) bytes[at + static_cast<size_t>(i)] = static_cast<uint8_t>(v >> (8 * i));
+}
+
 // The inputs: a good file and source, a folder, damaged files, files of other kinds.
 void prepare(const TempDir& dir) {
     std::filesystem::create_directory(dir.path("folder"));
-    const std::vector<uint8_t> good = serializeParamFile(sampleImage());
+    ParamFileImage image = sampleImage();
+    const std::vector<uint8_t> good = serializeParamFile(image);
+    // The last entry cut to 100 bytes, with a size word and checksum that match.
+    std::vector<uint8_t> trail(good.begin(), good.end() - (kEntryBytes - 100));
+    storeWord(trail, kHeaderBytes, static_cast<uint32_t>(trail.size() - kFileOverhead));
+    storeWord(trail, trail.size() - 4, static_cast<uint32_t>(fileChecksum(trail.data(), trail.data() + kHeaderBytes + 4,
+                                                                          trail.size() - kFileOverhead)));
+    writeBytes(dir.path("trail.bin"), trail);
+    writeBytes(dir.path("short.bin"), std::vector<uint8_t>(112, 0));
+    image.entries.push_back(image.entries[6]);  // a second PARAM_TRAFFIC
+    image.entries.push_back(image.entries[0]);
+    image.entries.back().type = 120;
+    setField(image.entries[10], "fusion", 2, "ep_delta", 0);
+    image.header.verBits = 0x47A21281;  // 82981.0078125, the next float
+    image.entries[2].bytes[8817] = 1;   // padding
+    writeBytes(dir.path("odd.bin"), serializeParamFile(image));
     writeBytes(dir.path("s.bin"), good);
     writeText(dir.path("s.json"), readText(sampleSourcePath()));
     std::vector<uint8_t> bad = good;
@@ -67,12 +86,25 @@ const BadInput kCases[] = {
     {"check {d}notes.txt", 2, "seems to be text, not an ISP parameter file"},
     {"check {d}junk.bin", 2, "seems to be binary data of no known kind, not an ISP parameter file"},
     {"build {d}s.bin -o {d}x.bin", 2, "seems to be an ISP parameter file, not JSON text"},
+    {"check {d}s.bin", 0, "{d}s.bin: 0 errors, 0 warnings\n"},
+    {"select {d}s.bin --all", 0, "library agrees on 156 of 156 rows; 0 rows find no table"},
+    {"diff {s}dsp_isp_para.bin {d}s.bin", 0, "no differences\n"},
     {"check {d}bad.bin", 1, "\nerror: checksum 0x"},
+    {"check {d}bad.bin", 1, ": 1 error, 0 warnings (the driver rejects the file)\n"},
+    {"check {d}trail.bin", 1, "\nwarning: block size 79516 is not a whole multiple of 8824: trailing incomplete entry of 100 bytes"},
+    {"check {d}trail.bin", 1, ": 9 tables:"},
+    {"check {d}short.bin", 1, "error: {d}short.bin: file is 112 bytes long"},
+    {"check {d}cut.bin", 1, "\nerror: checksum word missing"},
+    {"check {d}odd.bin", 1, "\nwarning: entry 10: duplicate PARAM_TRAFFIC (first at entry 6; the driver uses the later one)\n"},
+    {"check {d}odd.bin", 1, "\nwarning: entry 11: table type 120 is outside 0..119"},
+    {"check {d}odd.bin", 1, "\nwarning: PARAM_TRAFFIC (entry 10) fusion[2].ep_delta = 0"},
+    {"check {d}odd.bin", 1, "\nerror: header ver = 82981.01 (the driver reads version 82981 only: it rejects the file)\n"},
+    {"check {d}odd.bin", 1, "\nwarning: PARAM_HDR_MULTICOLOR padding byte at table offset 8817 = 0x01"},
+    {"dump {d}odd.bin -o {d}odd.json", 1, "error: {d}odd.bin: header ver = 82981.01"},
     {"plot {d}bad.bin --table PARAM_FACE -o {d}x.svg", 1, kRejected},
     {"select {d}bad.bin", 1, "the driver loads no table set from this file, so it chooses no table"},
     {"diff {d}bad.bin {d}s.bin", 1, kRejected},
     {"dump {d}cut.bin", 1, "error: {d}cut.bin: block size 88240 exceeds the file"},
-    {"check {d}cut.bin", 1, "(the driver rejects the file)\n"},
     {"plot {d}s.bin --table PARAM_NOPE -o {d}x.svg", 2, "\"PARAM_NOPE\" is not a PARAM_TABLE_TYPE name"},
     {"plot {d}s.bin --table PARAM_EVENT -o {d}x.svg", 2, "has no PARAM_EVENT table"},
     {"build {d}empty.json -o {d}x.bin", 2, "not written: the block holds no tables"},

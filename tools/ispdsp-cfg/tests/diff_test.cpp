@@ -16,19 +16,12 @@ RunResult diffFiles(const TempDir& dir, const std::vector<uint8_t>& a, const std
     return run([&](auto& out, auto& err) { return runDiff(dir.path("a.bin"), dir.path("b.bin"), out, err); });
 }
 
-TEST(Diff, IdenticalFilesHaveNoDifferences) {
-    TempDir dir;
-    const RunResult r = diffFiles(dir, readBytes(sampleBinaryPath()), serializeParamFile(sampleImage()));
-    EXPECT_EQ(r.status, kExitOk);
-    EXPECT_EQ(r.out, "no differences\n");
-}
-
 TEST(Diff, NamesTheTableAndFieldOfEachChange) {
     TempDir dir;
-    const ParamFileImage a = sampleImage();
+    ParamFileImage a = sampleImage();
+    setField(tableOf(a, PARAM_TRAFFIC), "fusion", 3, "ep_delta", 700);
     ParamFileImage b = a;
-    const int64_t before = getField(tableOf(b, PARAM_TRAFFIC), "fusion", 3, "ep_delta");
-    setField(tableOf(b, PARAM_TRAFFIC), "fusion", 3, "ep_delta", before + 5);
+    setField(tableOf(b, PARAM_TRAFFIC), "fusion", 3, "ep_delta", 705);
     setField(tableOf(b, PARAM_FACE), "ispLaeParam.plateLaeParam", -1, "nf_level", 77);
     b.header.pdtName = {'n', 'e', 'w'};
     b.entries.erase(b.entries.begin() + 8);  // PARAM_FACE
@@ -38,8 +31,7 @@ TEST(Diff, NamesTheTableAndFieldOfEachChange) {
     const RunResult r = diffFiles(dir, serializeParamFile(a), serializeParamFile(b));
     EXPECT_EQ(r.status, kExitFindings);
     for (const std::string& line :
-         {"PARAM_TRAFFIC fusion[3].ep_delta: " + std::to_string(before) + " -> " + std::to_string(before + 5) + "\n",
-          std::string("header.pdtName: \"dual-sensor-nir-bullet\" -> \"new\"\n"),
+         {std::string("PARAM_TRAFFIC fusion[3].ep_delta: 700 -> 705\n"), std::string("header.pdtName: \"dual-sensor-nir-bullet\" -> \"new\"\n"),
           "only in " + dir.path("a.bin") + ": PARAM_FACE\n", "only in " + dir.path("b.bin") + ": PARAM_EVENT\n",
           std::string("PARAM_MULTICOLOR fusion[2].w_nir: 1 of 511 points differ (first [100]")}) {
         EXPECT_NE(r.out.find(line), std::string::npos) << line << "\n" << r.out;

@@ -16,31 +16,16 @@ namespace {
 
 using namespace ispcfg;
 
-class QuietLog {  // the setters' confirmation lines are not wanted here
-public:
-    QuietLog() {
-        ispdsp_host_get_log_sink(&sink_, &ctx_);
-        ispdsp_host_set_log_sink([](void*, int32_t, int32_t, const char*) {}, nullptr);
-    }
-    ~QuietLog() { ispdsp_host_set_log_sink(sink_, ctx_); }
-
-private:
-    ispdsp_host_log_sink sink_ = nullptr;
-    void* ctx_ = nullptr;
-};
-
 // True when `check`'s range findings flag `value` in `field` of an otherwise clean table.
 bool toolFlags(const FieldDef& field, size_t at, int64_t value) {
     static const TableEntry clean = ispcfg_test::sampleImage().entries[0];
     TableEntry table = clean;
     storeField(table.bytes.data() + at, field.type, value);
-    for (const Finding& f : tableFindings({table})) {
-        if (f.kind == FindingKind::Range) return true;
-    }
-    return false;
+    const Findings findings = tableFindings({table});
+    return std::any_of(findings.begin(), findings.end(), [](const Finding& f) { return f.kind == FindingKind::Range; });
 }
 
-// Values at and around the tool's bounds and the type's ends, that the type holds.
+// Values at and around the tool's bounds and the type's ends, within the type and [low, high].
 std::vector<int64_t> probes(const FieldDef& f, int64_t low, int64_t high) {
     std::vector<int64_t> out;
     for (int64_t v : {minOf(f.type), int64_t{0}, f.dspLow - 1, f.dspLow, f.dspHigh, f.dspHigh + 1, maxOf(f.type)}) {
@@ -51,8 +36,8 @@ std::vector<int64_t> probes(const FieldDef& f, int64_t low, int64_t high) {
 
 TEST(Ranges, FusionFieldsAreFlaggedWhenTheBlendWouldClampThem) {
     static DSP_FusionCalculateParam input{};  // 8.7 kB: kept off the stack
-    DRV_gainInterParam gain{};
-    input.gainInterParam = &gain;  // start = end = step 0, coefficient 0
+    DRV_gainInterParam gain{};                // start = end = step 0, coefficient 0
+    input.gainInterParam = &gain;
     std::array<Uint8, FUSION_NIR_POINTS> curve{};
     for (const FieldDef& f : fusionFields()) {
         for (int64_t v : probes(f, INT64_MIN, INT64_MAX)) {
@@ -67,25 +52,23 @@ TEST(Ranges, FusionFieldsAreFlaggedWhenTheBlendWouldClampThem) {
 }
 
 using Setter = Int32 (*)(CFG_DspIspCfgParam&, Int32 id, Int32 value);
-#define STAGE(record, Name, ...)                                                                                \
-    {                                                                                                          \
-        #record, {[](CFG_DspIspCfgParam& t, Int32 id, Int32 v) { return DRV_dspdbg##Name(&t.record, id, v); }, \
-                  {__VA_ARGS__}}                                                                              \
-    }
+#define STAGE(record, Name, ...) \
+    {#record, {[](CFG_DspIspCfgParam& t, Int32 id, Int32 v) { return DRV_dspdbg##Name(&t.record, id, v); }, {__VA_ARGS__}}}
 
 // Each record's debug setter and the ids it skips: ids follow the record's field order, and
 // DLAE has no field for id 1.
 const std::map<std::string, std::pair<Setter, std::vector<Int32>>> kSetters = {
-    STAGE(ispLsmParam, Lsm),         STAGE(ispLaeParam, Lae),
-    STAGE(ispSbm3dParam, Sbm3d),     STAGE(ispYuv2yuvParam, Yuv2yuv),
-    STAGE(ispFusionPlateParam, FusionPlate), STAGE(ispFg2cParam, Fg2c),
-    STAGE(ispLleParam, Lle),         STAGE(ispYlwdrParam, Ylwdr),
-    STAGE(ispY2dParam, Y2d),         STAGE(ispDlaeParam, Dlae, 1),
-    STAGE(ispDlcfaParam, Dlcfa),     STAGE(ispSadeParam, Sade),
+    STAGE(ispLsmParam, Lsm),     STAGE(ispLaeParam, Lae),   STAGE(ispSbm3dParam, Sbm3d),
+    STAGE(ispYuv2yuvParam, Yuv2yuv), STAGE(ispFusionPlateParam, FusionPlate), STAGE(ispFg2cParam, Fg2c),
+    STAGE(ispLleParam, Lle),     STAGE(ispYlwdrParam, Ylwdr), STAGE(ispY2dParam, Y2d),
+    STAGE(ispDlaeParam, Dlae, 1), STAGE(ispDlcfaParam, Dlcfa), STAGE(ispSadeParam, Sade),
 };
 
 TEST(Ranges, StageFieldsAreFlaggedWhenTheLibraryWouldClampThem) {
-    QuietLog quiet;
+    ispdsp_host_log_sink sink = nullptr;  // the setters' confirmation lines are not wanted here
+    void* context = nullptr;
+    ispdsp_host_get_log_sink(&sink, &context);
+    ispdsp_host_set_log_sink([](void*, int32_t, int32_t, const char*) {}, nullptr);
     std::map<std::string, Int32> nextId;
     size_t probed = 0;
     for (const FieldDef& f : stageFields()) {
@@ -102,6 +85,7 @@ TEST(Ranges, StageFieldsAreFlaggedWhenTheLibraryWouldClampThem) {
             ++probed;
         }
     }
+    ispdsp_host_set_log_sink(sink, context);
     EXPECT_GT(probed, 77u * 3);  // every stored stage field, several values each
 }
 

@@ -1,8 +1,8 @@
-// Shared helpers of the ispdsp-cfg tests: a temporary folder, the sample source as a file
-// image, field edits by path, and command runs with their output captured.
+// Shared helpers of the ispdsp-cfg tests: a temporary folder, the sample as a file image,
+// field edits by path, and command runs (in process or through the executable) with their
+// output captured.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <ostream>
@@ -17,32 +17,30 @@ namespace ispcfg_test {
 class TempDir {
 public:
     TempDir();
-    ~TempDir();
+    ~TempDir() { std::filesystem::remove_all(dir_, ec_); }
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
-    std::string path(const std::string& name) const;
+    std::string path(const std::string& name) const { return (dir_ / name).string(); }
 
 private:
     std::filesystem::path dir_;
+    std::error_code ec_;
 };
 
-std::string sampleDir();
-std::string sampleSourcePath();  // data/sample/tuning.json
-std::string sampleBinaryPath();  // data/sample/dsp_isp_para.bin
+inline std::string sampleDir() { return ISPDSP_SAMPLE_DIR; }
+inline std::string sampleSourcePath() { return sampleDir() + "/tuning.json"; }
+inline std::string sampleBinaryPath() { return sampleDir() + "/dsp_isp_para.bin"; }
+ispcfg::ParamFileImage sampleImage();  // the committed sample binary, taken apart
 
-// The sample source decoded in process (fails the test when it does not decode).
-ispcfg::ParamFileImage sampleImage();
-
-// The entry of a type (the last one); fails the test when there is none.
+// The last entry of a type; fails the test when there is none.
 ispcfg::TableEntry& tableOf(ispcfg::ParamFileImage& image, int32_t type);
 // Stores `value` into the field named by its path ("fusion", step 3, "ep_delta" or
-// "ispLaeParam.windowLaeParam", -1, "gbce_level"), wrapping it to the field's width.
+// "ispLaeParam.windowLaeParam", -1, "gbce_level"), wrapped to the field's width.
 void setField(ispcfg::TableEntry& table, const std::string& record, int step, const std::string& name, int64_t value);
-int64_t getField(const ispcfg::TableEntry& table, const std::string& record, int step, const std::string& name);
 
 void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes);
-std::vector<uint8_t> readBytes(const std::string& path);
 void writeText(const std::string& path, const std::string& text);
+std::vector<uint8_t> readBytes(const std::string& path);
 std::string readText(const std::string& path);
 
 struct RunResult {
