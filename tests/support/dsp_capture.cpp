@@ -15,37 +15,19 @@ DspCapture* g_current = nullptr;
 
 testing::AssertionResult isDspPrint(const std::string& printed, DspPrint kind, const std::string& function,
                                     const std::string& argument) {
-    static constexpr const char* kRed = "\033[0;32;31m";
-    static constexpr const char* kYellow = "\033[1;33m";
-    std::string head;
-    std::string tail;
-    switch (kind) {
-        case DspPrint::NullPointer:
-            head = std::string(kRed) + "[DSP_DRV] ERROR  (";
-            tail = "): Input NULL POINT " + argument + "!\n\033[m";
-            break;
-        case DspPrint::SetMissing:
-            head = std::string(kYellow) + "[DSP_DRV] WARN  (";
-            tail = "): Set dsp cfg failed!\n\033[m";
-            break;
-        case DspPrint::GetMissing:
-            head = std::string(kYellow) + "[DSP_DRV] WARN  (";
-            tail = "): Get dsp cfg failed!\n\033[m";
-            break;
-        case DspPrint::GetError:
-            head = std::string(kRed) + "[DSP_DRV] ERROR  (";
-            tail = "): OpGetDspConfig error! \n\033[m";
-            break;
-    }
-    head += function + "|";
-    const bool framed = printed.size() > head.size() + tail.size() && printed.compare(0, head.size(), head) == 0 &&
-                        printed.compare(printed.size() - tail.size(), tail.size(), tail) == 0;
-    if (framed) {
-        const std::string line = printed.substr(head.size(), printed.size() - head.size() - tail.size());
-        if (std::all_of(line.begin(), line.end(), [](char ch) { return ch >= '0' && ch <= '9'; })) {
-            return testing::AssertionSuccess();
-        }
-    }
+    // Colour, tag and message of each kind, in DspPrint order.
+    static const struct {
+        const char *colour, *tag, *message;
+    } kShapes[] = {{"\033[0;32;31m", "ERROR", "Input NULL POINT "},
+                   {"\033[1;33m", "WARN", "Set dsp cfg failed!"},
+                   {"\033[1;33m", "WARN", "Get dsp cfg failed!"},
+                   {"\033[0;32;31m", "ERROR", "OpGetDspConfig error! "}};
+    const auto& shape = kShapes[static_cast<int>(kind)];
+    const std::string head = std::string(shape.colour) + "[DSP_DRV] " + shape.tag + "  (" + function + "|";
+    const std::string tail = std::string("): ") + shape.message + (kind == DspPrint::NullPointer ? argument + "!" : "") + "\n\033[m";
+    const bool framed = printed.size() > head.size() + tail.size() && printed.starts_with(head) && printed.ends_with(tail);
+    const std::string line = framed ? printed.substr(head.size(), printed.size() - head.size() - tail.size()) : "x";
+    if (std::all_of(line.begin(), line.end(), [](char ch) { return ch >= '0' && ch <= '9'; })) return testing::AssertionSuccess();
     return testing::AssertionFailure() << "printed: \"" << testing::PrintToString(printed) << "\"\nexpected: \""
                                        << testing::PrintToString(head + "<line>" + tail) << "\"";
 }
@@ -56,9 +38,7 @@ std::span<const Uint8> DspCall::bytes() const {
 
 Uint32 DspCall::word(size_t offset) const {
     Uint32 value = 0;
-    if (offset + sizeof value <= sizeof message) {
-        std::memcpy(&value, bytes().data() + offset, sizeof value);
-    }
+    if (offset + sizeof value <= sizeof message) std::memcpy(&value, bytes().data() + offset, sizeof value);
     return value;
 }
 
@@ -67,9 +47,7 @@ std::optional<size_t> DspCall::firstNonZeroExcept(std::initializer_list<ByteRang
     for (size_t i = sizeof(Uint32); i < b.size(); ++i) {
         const bool inFilled =
             std::any_of(filled.begin(), filled.end(), [i](const ByteRange& r) { return i >= r.begin && i < r.end; });
-        if (!inFilled && b[i] != 0) {
-            return i;
-        }
+        if (!inFilled && b[i] != 0) return i;
     }
     return std::nullopt;
 }
@@ -112,9 +90,7 @@ std::vector<DspCall> DspCapture::setsOfType(Uint32 type) const {
 
 std::vector<Uint32> DspCapture::setTypes() const {
     std::vector<Uint32> out;
-    for (const DspCall& c : sets_) {
-        out.push_back(c.type());
-    }
+    for (const DspCall& c : sets_) out.push_back(c.type());
     return out;
 }
 
@@ -125,14 +101,10 @@ void DspCapture::clearCalls() {
 
 DspCall DspCapture::record(const DRV_dspIspCfgOpsCtrl* ctrl, const void* message) const {
     DspCall call;
-    std::memset(&call.ctrl, 0, sizeof call.ctrl);
+    std::memset(&call.ctrl, 0, sizeof call.ctrl);  // padding included: compared bytewise
     std::memset(&call.message, 0, sizeof call.message);
-    if (ctrl != nullptr) {
-        std::memcpy(&call.ctrl, ctrl, sizeof call.ctrl);
-    }
-    if (message != nullptr) {
-        std::memcpy(&call.message, message, sizeof call.message);
-    }
+    if (ctrl != nullptr) std::memcpy(&call.ctrl, ctrl, sizeof call.ctrl);
+    if (message != nullptr) std::memcpy(&call.message, message, sizeof call.message);
     if (followAddresses_) {
         if (call.message.u32Type == DSP_AEW_CFG_TYPE_CAL && call.message.dspArgs.irCalPramArgs.calParam.cfg_path) {
             const char* path = call.message.dspArgs.irCalPramArgs.calParam.cfg_path;
@@ -165,9 +137,7 @@ Int32 DspCapture::onGet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message) {
     if (message != nullptr) {
         auto* dst = static_cast<Uint8*>(message);
         for (const Reply& r : g_current->replies_) {
-            if (r.offset >= sizeof(DSP_AEW_CFG_S)) {
-                continue;
-            }
+            if (r.offset >= sizeof(DSP_AEW_CFG_S)) continue;
             const size_t n = std::min(r.bytes.size(), sizeof(DSP_AEW_CFG_S) - r.offset);
             std::memcpy(dst + r.offset, r.bytes.data(), n);
         }

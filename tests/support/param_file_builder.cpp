@@ -16,19 +16,18 @@ void putWord(std::vector<uint8_t>& out, uint32_t word) {
     for (int i = 0; i < 4; ++i) out.push_back(static_cast<uint8_t>(word >> (8 * i)));
 }
 
-// Cut to 32 bytes and NUL-padded.
-ispcfg::TextField textField(std::string_view text) {
-    ispcfg::TextField field{};
-    std::memcpy(field.data(), text.data(), std::min(text.size(), kTextBytes));
-    return field;
-}
-
 template <typename T>
 T clampTo(long value, long lo, long hi) {
     return static_cast<T>(std::clamp(value, lo, hi));
 }
 
 }  // namespace
+
+ispcfg::TextField ParamFileBuilder::textField(std::string_view text) {
+    ispcfg::TextField field{};
+    std::memcpy(field.data(), text.data(), std::min(text.size(), kTextBytes));
+    return field;
+}
 
 CFG_DspIspCfgParam makeDefaultParamTable(uint32_t variant) {
     CFG_DspIspCfgParam t;
@@ -93,27 +92,6 @@ ParamFileBuilder::ParamFileBuilder() {
     image_.header.pdtName = textField("IPC-NIR-FUSION");
 }
 
-ParamFileBuilder& ParamFileBuilder::version(float ver) {
-    image_.header.verBits = ispcfg::bitsFromFloat(ver);
-    return *this;
-}
-ParamFileBuilder& ParamFileBuilder::subVersion(float subVer) {
-    image_.header.subVerBits = ispcfg::bitsFromFloat(subVer);
-    return *this;
-}
-ParamFileBuilder& ParamFileBuilder::dateTime(std::string_view text) {
-    image_.header.dateTime = textField(text);
-    return *this;
-}
-ParamFileBuilder& ParamFileBuilder::archName(std::string_view text) {
-    image_.header.archName = textField(text);
-    return *this;
-}
-ParamFileBuilder& ParamFileBuilder::productName(std::string_view text) {
-    image_.header.pdtName = textField(text);
-    return *this;
-}
-
 ParamFileBuilder& ParamFileBuilder::addTable(int32_t type) {
     return addTable(type, makeDefaultParamTable(static_cast<uint32_t>(type)));
 }
@@ -127,27 +105,6 @@ ParamFileBuilder& ParamFileBuilder::addTable(int32_t type, const CFG_DspIspCfgPa
     const auto& padding = ispcfg::paddingMask();
     for (size_t i = 0; i < entry.bytes.size(); ++i) entry.bytes[i] = padding[i] ? 0 : entry.bytes[i];
     image_.entries.push_back(entry);
-    return *this;
-}
-
-ParamFileBuilder& ParamFileBuilder::rawBlock(std::vector<uint8_t> bytes) {
-    rawBlock_ = std::move(bytes);
-    return *this;
-}
-ParamFileBuilder& ParamFileBuilder::sizeWordOverride(uint32_t size) {
-    sizeWord_ = size;
-    return *this;
-}
-ParamFileBuilder& ParamFileBuilder::checksumOverride(int32_t chksum) {
-    chksumOverride_ = chksum;
-    return *this;
-}
-ParamFileBuilder& ParamFileBuilder::corruptChecksum(uint32_t mask) {
-    chksumMask_ = mask;
-    return *this;
-}
-ParamFileBuilder& ParamFileBuilder::trailingBytes(std::vector<uint8_t> bytes) {
-    trailing_ = std::move(bytes);
     return *this;
 }
 

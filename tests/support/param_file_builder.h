@@ -20,6 +20,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <string_view>
 #include <vector>
 
@@ -40,11 +41,11 @@ public:
     ParamFileBuilder();
 
     // Header fields. Texts are cut to 32 bytes and NUL-padded; 32 characters or more leave no NUL.
-    ParamFileBuilder& version(float ver);
-    ParamFileBuilder& subVersion(float subVer);
-    ParamFileBuilder& dateTime(std::string_view text);
-    ParamFileBuilder& archName(std::string_view text);
-    ParamFileBuilder& productName(std::string_view text);
+    ParamFileBuilder& version(float ver) { image_.header.verBits = ispcfg::bitsFromFloat(ver); return *this; }
+    ParamFileBuilder& subVersion(float subVer) { image_.header.subVerBits = ispcfg::bitsFromFloat(subVer); return *this; }
+    ParamFileBuilder& dateTime(std::string_view text) { image_.header.dateTime = textField(text); return *this; }
+    ParamFileBuilder& archName(std::string_view text) { image_.header.archName = textField(text); return *this; }
+    ParamFileBuilder& productName(std::string_view text) { image_.header.pdtName = textField(text); return *this; }
 
     // Appends one entry; the table defaults to makeDefaultParamTable(type). Any type value is
     // written as given (invalid ones included), so registration errors can be tested. The
@@ -52,17 +53,17 @@ public:
     ParamFileBuilder& addTable(int32_t type);
     ParamFileBuilder& addTable(int32_t type, const CFG_DspIspCfgParam& table);
     // Replaces the whole block (entries added before and after are ignored) by these bytes.
-    ParamFileBuilder& rawBlock(std::vector<uint8_t> bytes);
+    ParamFileBuilder& rawBlock(std::vector<uint8_t> bytes) { rawBlock_ = std::move(bytes); return *this; }
 
     // Faults. The size word written instead of the block's real length (the block bytes, the
     // checksum position and the checksum itself stay those of the real block).
-    ParamFileBuilder& sizeWordOverride(uint32_t size);
+    ParamFileBuilder& sizeWordOverride(uint32_t size) { sizeWord_ = size; return *this; }
     // The checksum word written instead of the correct one.
-    ParamFileBuilder& checksumOverride(int32_t chksum);
+    ParamFileBuilder& checksumOverride(int32_t chksum) { chksumOverride_ = chksum; return *this; }
     // The correct checksum XOR mask (a wrong checksum when mask != 0).
-    ParamFileBuilder& corruptChecksum(uint32_t mask = 1u);
+    ParamFileBuilder& corruptChecksum(uint32_t mask = 1u) { chksumMask_ = mask; return *this; }
     // Bytes after the checksum (ignored by the reader).
-    ParamFileBuilder& trailingBytes(std::vector<uint8_t> bytes);
+    ParamFileBuilder& trailingBytes(std::vector<uint8_t> bytes) { trailing_ = std::move(bytes); return *this; }
 
     // The 104 header bytes (ver through pdtName).
     std::vector<uint8_t> headerBytes() const;
@@ -76,6 +77,8 @@ public:
     CFG_IspParamTable expectedHeader() const;
 
 private:
+    static ispcfg::TextField textField(std::string_view text);  // cut to 32 bytes and NUL-padded
+
     ispcfg::ParamFileImage image_;  // header fields and entries, as the tool writes them
     std::optional<std::vector<uint8_t>> rawBlock_;
     std::optional<uint32_t> sizeWord_;

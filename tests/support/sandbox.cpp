@@ -17,9 +17,7 @@ constexpr const char* kRootVariable = "ISPDSP_ROOT";
 }
 
 Sandbox::Sandbox() {
-    if (const char* old = std::getenv(kRootVariable)) {
-        previous_root_ = old;
-    }
+    if (const char* old = std::getenv(kRootVariable)) previous_root_ = old;
     std::string pattern = (fs::temp_directory_path() / "ispdsp-test-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) {
         ADD_FAILURE() << "cannot create a sandbox under " << fs::temp_directory_path();
@@ -35,67 +33,38 @@ Sandbox::~Sandbox() {
     } else {
         unsetenv(kRootVariable);
     }
-    if (!root_.empty()) {
-        std::error_code ec;
-        fs::remove_all(root_, ec);
-    }
+    std::error_code ec;
+    if (!root_.empty()) fs::remove_all(root_, ec);
 }
 
 std::string Sandbox::hostPath(std::string_view devicePath) const {
     std::string path(devicePath);
-    if (path.empty() || path.front() != '/') {
-        path.insert(path.begin(), '/');
-    }
+    if (path.empty() || path.front() != '/') path.insert(path.begin(), '/');
     return root_ + path;
 }
 
+// Never touches the build machine's own files: without a root nothing is written.
 void Sandbox::writeFile(std::string_view devicePath, const void* data, size_t size) const {
-    if (root_.empty()) {
-        ADD_FAILURE() << "no sandbox root: refusing to write " << devicePath;
-        return;
-    }
+    ASSERT_FALSE(root_.empty()) << "no sandbox root: refusing to write " << devicePath;
     const fs::path path = hostPath(devicePath);
     std::error_code ec;
     fs::create_directories(path.parent_path(), ec);
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out.write(static_cast<const char*>(data), static_cast<std::streamsize>(size));
-    if (!out) {
-        ADD_FAILURE() << "cannot write " << path;
-    }
-}
-
-void Sandbox::writeFile(std::string_view devicePath, const std::vector<uint8_t>& bytes) const {
-    writeFile(devicePath, bytes.data(), bytes.size());
-}
-
-void Sandbox::writeFile(std::string_view devicePath, std::string_view text) const {
-    writeFile(devicePath, text.data(), text.size());
+    EXPECT_TRUE(out.good()) << "cannot write " << path;
 }
 
 void Sandbox::makeDir(std::string_view devicePath) const {
-    if (root_.empty()) {
-        ADD_FAILURE() << "no sandbox root: refusing to create " << devicePath;
-        return;
-    }
+    ASSERT_FALSE(root_.empty()) << "no sandbox root: refusing to create " << devicePath;
     std::error_code ec;
     fs::create_directories(hostPath(devicePath), ec);
-    if (ec) {
-        ADD_FAILURE() << "cannot create " << hostPath(devicePath) << ": " << ec.message();
-    }
+    EXPECT_FALSE(ec) << "cannot create " << hostPath(devicePath) << ": " << ec.message();
 }
 
 std::vector<uint8_t> Sandbox::readFile(std::string_view devicePath) const {
     std::ifstream in(hostPath(devicePath), std::ios::binary);
-    if (!in) {
-        ADD_FAILURE() << "cannot read " << hostPath(devicePath);
-        return {};
-    }
+    EXPECT_TRUE(in.good()) << "cannot read " << hostPath(devicePath);
     return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-std::string Sandbox::readText(std::string_view devicePath) const {
-    const std::vector<uint8_t> bytes = readFile(devicePath);
-    return std::string(bytes.begin(), bytes.end());
 }
 
 bool Sandbox::exists(std::string_view devicePath) const {
@@ -104,11 +73,8 @@ bool Sandbox::exists(std::string_view devicePath) const {
 }
 
 bool Sandbox::remove(std::string_view devicePath) const {
-    if (root_.empty()) {
-        return false;  // never touch the build machine's own files
-    }
     std::error_code ec;
-    return fs::remove_all(hostPath(devicePath), ec) > 0;
+    return !root_.empty() && fs::remove_all(hostPath(devicePath), ec) > 0;
 }
 
 }  // namespace ispdsp_test

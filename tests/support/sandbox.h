@@ -26,14 +26,19 @@ public:
 
     // Writes the file, creating its parent folders; a failure is a test failure.
     void writeFile(std::string_view devicePath, const void* data, size_t size) const;
-    void writeFile(std::string_view devicePath, const std::vector<uint8_t>& bytes) const;
-    void writeFile(std::string_view devicePath, std::string_view text) const;
+    void writeFile(std::string_view devicePath, const std::vector<uint8_t>& bytes) const {
+        writeFile(devicePath, bytes.data(), bytes.size());
+    }
+    void writeFile(std::string_view devicePath, std::string_view text) const { writeFile(devicePath, text.data(), text.size()); }
     // Creates a folder (and its parents).
     void makeDir(std::string_view devicePath) const;
 
     // The whole file; empty when it cannot be read (a test failure).
     std::vector<uint8_t> readFile(std::string_view devicePath) const;
-    std::string readText(std::string_view devicePath) const;
+    std::string readText(std::string_view devicePath) const {
+        const std::vector<uint8_t> bytes = readFile(devicePath);
+        return {bytes.begin(), bytes.end()};
+    }
 
     bool exists(std::string_view devicePath) const;
     // Removes a file or a folder tree; true when something was removed.
