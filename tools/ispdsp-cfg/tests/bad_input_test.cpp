@@ -51,6 +51,10 @@ void prepare(const TempDir& dir) {
     image.header.verBits = 0x47A21281;  // 82981.0078125, the next float
     image.entries[2].bytes[8817] = 1;   // padding
     writeBytes(dir.path("odd.bin"), serializeParamFile(image));
+    writeBytes(dir.path("nosum.bin"), std::vector<uint8_t>(good.begin(), good.end() - 2));
+    std::vector<uint8_t> stale = good;
+    stale[200] ^= 0x01;  // contents changed, checksum kept
+    writeBytes(dir.path("stale.bin"), stale);
     writeBytes(dir.path("s.bin"), good);
     writeText(dir.path("s.json"), readText(sampleSourcePath()));
     std::vector<uint8_t> bad = good;
@@ -89,6 +93,15 @@ const BadInput kCases[] = {
     {"check {d}s.bin", 0, "{d}s.bin: 0 errors, 0 warnings\n"},
     {"select {d}s.bin --all", 0, "library agrees on 156 of 156 rows; 0 rows find no table"},
     {"diff {s}dsp_isp_para.bin {d}s.bin", 0, "no differences\n"},
+    {"select {d}s.bin --dnc 0 --hdr 4 --scene-mode 2 --image-scene 1", 0,
+     "fallback rule 0: first present entry of the preference list: PARAM_MULTICOLOR (position 0)\n"},
+    {"select {d}s.bin --dnc 0 --hdr 4 --scene-mode 2 --image-scene 1", 0, "library: row 23, PARAM_MULTICOLOR (0), agrees"},
+    {"select {d}s.bin --hdr 5 --scene-mode 2 --image-scene 4", 0,
+     "PARAM_HDR_IVS_NIGHT stands against PARAM_HDR_MULTICOLOR (position 70), present"},
+    {"select {d}s.bin --image-scene 3", 1, "no map row matches this state (imageScene must be 0..13 without 3)"},
+    {"diff {d}nosum.bin {d}stale.bin", 1, "checksum: missing -> 0x"},
+    {"diff {d}nosum.bin {d}stale.bin", 1, " (does not match the contents: 0x"},
+    {"diff {d}nosum.bin {d}stale.bin", 1, "error: {d}nosum.bin: checksum word missing"},
     {"check {d}bad.bin", 1, "\nerror: checksum 0x"},
     {"check {d}bad.bin", 1, ": 1 error, 0 warnings (the driver rejects the file)\n"},
     {"check {d}trail.bin", 1, "\nwarning: block size 79516 is not a whole multiple of 8824: trailing incomplete entry of 100 bytes"},
@@ -124,11 +137,13 @@ const BadInput kCases[] = {
 TEST(BadInput, EachCommandSaysWhatIsWrongAndExitsByTheRule) {
     TempDir dir;
     prepare(dir);
+    setenv("ISPDSP_ROOT", dir.path("no-such-root").c_str(), 1);  // the driver's sandbox is not for a tool's paths
     for (const BadInput& c : kCases) {
         const RunResult r = runExe(expand(c.args, dir), c.stdoutTo);
         EXPECT_EQ(r.status, c.status) << c.args << "\n" << r.err;
         EXPECT_NE((r.out + r.err).find(expand(c.line, dir)), std::string::npos) << c.args << "\n" << r.out << r.err;
     }
+    unsetenv("ISPDSP_ROOT");
     EXPECT_FALSE(std::filesystem::exists(dir.path("x.bin")));  // nothing the driver rejects is written
     EXPECT_EQ(readText(dir.path("s.json")), readText(sampleSourcePath()));
 }

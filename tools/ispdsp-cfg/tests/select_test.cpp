@@ -1,8 +1,6 @@
-// select: the tool's explanation agrees with the library's choice for every map row, on the
-// sample and on table sets that force each fallback path; one state's explanation in words.
+// select: the tool's explanation agrees with the library's choice for every map row, on table
+// sets that force each fallback path. (One state's explanation in words: bad_input_test.cpp.)
 #include <gtest/gtest.h>
-
-#include <cstdlib>
 
 #include "commands.h"
 #include "ispdsp/param_table.h"
@@ -57,32 +55,5 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<int32_t>{PARAM_WDR_MULTICOLOR, PARAM_TRAFFIC, PARAM_EVENT_NIGHT},
                       std::vector<int32_t>{PARAM_IVS, PARAM_BLACKWHITE_NIGHT, PARAM_WDR_BLACKWHITE_NIGHT},
                       std::vector<int32_t>{PARAM_WDR_TRAFFIC, PARAM_HDR_IVS_BLACKWHITE, PARAM_FACE_NIGHT}));
-
-struct Explained {
-    CameraState state;  // realDncMode, hdrMode, sceneMode, imageScene
-    int status;
-    std::vector<std::string> lines;
-};
-
-TEST(Select, ExplainsOneStateAsTheLibraryChoosesIt) {
-    const Explained cases[] = {
-        {{0, 4, 2, 1}, kExitOk,  // black-and-white, WDR, night, traffic
-         {"map row 23 names PARAM_WDR_TRAFFIC_BLACKWHITE (17): missing from the file",
-          "fallback rule 0: first present entry of the preference list: PARAM_MULTICOLOR (position 0)",
-          "library: row 23, PARAM_MULTICOLOR (0), agrees"}},
-        {{1, 5, 2, 4}, kExitOk, {"PARAM_HDR_IVS_NIGHT stands against PARAM_HDR_MULTICOLOR (position 70), present"}},
-        {{1, 0, 0, 3}, kExitFindings, {"no map row matches this state", "library: selection failed, agrees"}},
-    };
-    TempDir dir;
-    const std::string path = writeTables(dir);
-    setenv("ISPDSP_ROOT", dir.path("no-such-root").c_str(), 1);  // a tool's own paths are not sandboxed
-    for (const Explained& c : cases) {
-        const RunResult r = run([&](auto& out, auto& err) { return runSelect({path, false, c.state}, out, err); });
-        EXPECT_EQ(r.status, c.status) << r.err;
-        for (const std::string& line : c.lines) EXPECT_NE(r.out.find(line), std::string::npos) << r.out;
-    }
-    EXPECT_STREQ(std::getenv("ISPDSP_ROOT"), dir.path("no-such-root").c_str());  // restored
-    unsetenv("ISPDSP_ROOT");
-}
 
 }  // namespace
