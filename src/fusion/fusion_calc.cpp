@@ -1,5 +1,7 @@
 // DRV_dspCalculateFusion: blends the two stored fusion records of the current
 // gain step pair into the DSP record, then holds every scalar to the DSP range.
+#include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "common/log.h"
@@ -7,6 +9,7 @@
 #include "fusion/fusion_calc.h"
 #include "fusion/fusion_curve.h"
 #include "fusion/fusion_fields.h"
+#include "fusion/fusion_lanes.h"
 #include "ispdsp/fusion.h"
 
 namespace {
@@ -29,20 +32,10 @@ using namespace ispdsp::fusion;
 // Forced inline so every clone gets its own copy of the scalar blends.
 #define ISPDSP_FUSION_INLINE inline __attribute__((always_inline))
 
-// InRange: the coefficient is known to lie in [0, 1] (every frame).
-template <bool InRange, Int32 I>
+template <Int32 I>
 ISPDSP_FUSION_INLINE void blendScalar(const Uint8* start, const Uint8* end, float c, Uint8* out) {
     constexpr const ScalarField& F = kScalarFields[I];
-    const Int32 s = loadField<I>(start);
-    const Int32 e = loadField<I>(end);
-    Int32 blended;
-    if constexpr (!InRange) {
-        blended = blendRound(s, e, c);
-    } else if constexpr (F.isSigned) {
-        blended = blendRoundInRange(s, e, c);
-    } else {
-        blended = blendRoundUnsignedInRange(s, e, c);
-    }
+    const Int32 blended = blendRound(loadField<I>(start), loadField<I>(end), c);
     // The DSP limit applies to the value as kept in the field's width.
     Int32 kept;
     if constexpr (F.width == 2) {
@@ -53,10 +46,37 @@ ISPDSP_FUSION_INLINE void blendScalar(const Uint8* start, const Uint8* end, floa
     storeField<I>(out, clampToRange(F, kept));
 }
 
-template <bool InRange, Int32... I>
+template <Int32... I>
 ISPDSP_FUSION_INLINE void blendScalars(const Uint8* start, const Uint8* end, float c, Uint8* out,
                                        std::integer_sequence<Int32, I...>) {
-    (blendScalar<InRange, I>(start, end, c, out), ...);
+    (blendScalar<I>(start, end, c, out), ...);
+}
+
+// blendScalars for a coefficient in [0, 1], one group of fields per vector
+// loop. The blend then lies between the two values, so it already fits the
+// field's width. Each group is read whole before it is stored.
+template <class Raw, Int32 Lanes>
+ISPDSP_FUSION_INLINE void blendLanesInRange(const LaneGroup<Raw, Lanes>& group, const Raw* s, const Raw* e, float c,
+                                            Uint8* out) {
+    Raw blended[Lanes];
+    for (Int32 i = 0; i < Lanes; ++i) {
+        const Int32 sign = group.signBit[i];
+        const Int32 value = blendRoundInRange((s[i] ^ sign) - sign, (e[i] ^ sign) - sign, c);
+        blended[i] = static_cast<Raw>(std::max(std::min(value, group.hi[i]), group.lo[i]));  // upper bound first
+    }
+    std::memcpy(out + group.offset, blended, group.fields * sizeof(Raw));
+}
+
+ISPDSP_FUSION_INLINE void blendScalarsInRange(const Uint8* start, const Uint8* end, float c, Uint8* out) {
+    // The 16-bit fields may sit unaligned: copied out as one 16-byte block.
+    Uint16 s[8];
+    Uint16 e[8];
+    std::memcpy(s, start + kWideLanes.offset, sizeof s);
+    std::memcpy(e, end + kWideLanes.offset, sizeof e);
+    const Uint8* s8 = start + kByteLanes.offset;
+    const Uint8* e8 = end + kByteLanes.offset;
+    blendLanesInRange(kWideLanes, s, e, c, out);
+    blendLanesInRange(kByteLanes, s8, e8, c, out);
 }
 
 ISPDSP_FUSION_INLINE void blendBlock(const Uint8* __restrict s, const Uint8* __restrict e, float c, Uint8* __restrict out) {
@@ -78,12 +98,11 @@ void blendRecords(const CFG_DSP_FusionV2722* start, const CFG_DSP_FusionV2722* e
     const auto* startBytes = reinterpret_cast<const Uint8*>(start);
     const auto* endBytes = reinterpret_cast<const Uint8*>(end);
     auto* outBytes = reinterpret_cast<Uint8*>(out);
-    constexpr auto kFields = std::make_integer_sequence<Int32, kScalarFieldCount>{};
     const bool inRange = c >= 0.0f && c <= 1.0f;  // every frame: the host keeps the coefficient in 0..1
     if (inRange) {
-        blendScalars<true>(startBytes, endBytes, c, outBytes, kFields);
+        blendScalarsInRange(startBytes, endBytes, c, outBytes);
     } else {
-        blendScalars<false>(startBytes, endBytes, c, outBytes, kFields);
+        blendScalars(startBytes, endBytes, c, outBytes, std::make_integer_sequence<Int32, kScalarFieldCount>{});
     }
 
     const Uint8* s = start->w_nir;
