@@ -40,6 +40,7 @@ constexpr const char* kSourceFormat = R"(JSON source format:
   (between knots: rounded half away from zero). Header texts are up to 32 bytes of UTF-8, or
   {"hex": "..."} for raw bytes; versions are numbers, or {"bits": "0x47A21280"}.
   Values must fit their field's type; values outside the DSP's range are warnings (`check`).
+  A source the driver would reject (no table, a version other than 82981) is not written.
   Padding bytes are written as 0, so dump/build normalise them.)";
 
 constexpr const char* kFooter = R"(Messages: "error:" the driver rejects the file (bad checksum, cut short, another version, no
