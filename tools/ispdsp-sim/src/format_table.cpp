@@ -23,7 +23,7 @@ constexpr const char* kLegend =
     "   start..end c=interCoff, zoom, dncMode, hdrMode, imageScene, sceneMode, pSwitch); under the pipe,\n"
     "   \"> STAGE\" is a message sent to the DSP, \"< STAGE read-back\" the driver reading the DSP's values,\n"
     "   \"refresh -> 0 row R TABLE\" the table the camera state chose, \"flag ISP_SET_FUSION 1/0\" the driver\n"
-    "   asking the host to run/stop its fusion operation, \"I/W/E [DSP_DRV] ...\" the driver's log lines;\n"
+    "   asking the host to run/stop its fusion operation, \"I/W/E ...\" the driver's log lines;\n"
     "   \"(expected: ...)\" marks what the driver does by design; a summary closes the run.\n";
 
 std::string valueText(const Event& value) {
@@ -156,6 +156,12 @@ private:
         std::fprintf(out_, "%s%s %s\n", prefix.c_str(), head.c_str(),
                      wrapPairs(fields, prefix.size() + head.size() + 1).c_str());
         if (e.contains("w_nir")) curve(e["w_nir"]);
+        if (e.contains("outOfRange")) {
+            std::string text = "outside the DSP range:";
+            for (const auto& [name, r] : e["outOfRange"].items())
+                text += " " + name + " " + valueText(r["value"]) + " (" + valueText(r["min"]) + ".." + valueText(r["max"]) + ")";
+            std::fprintf(out_, "%s! %s\n", kIndent.c_str(), text.c_str());
+        }
         if (e.contains("expected")) std::fprintf(out_, "%s%s\n", kIndent.c_str(), expectedText(e).substr(2).c_str());
     }
 

@@ -22,7 +22,17 @@ void Reporter::emit(const std::string& kind, const Event& payload) {
     for (const auto& [key, value] : payload.items()) event[key] = value;
     errno = 0;
     formatter_->write(event);
+    noteOutputError();
+}
+
+void Reporter::noteOutputError() {
     if (outputErrno_ == 0 && formatter_->failed()) outputErrno_ = errno;
+}
+
+void Reporter::flush() {
+    errno = 0;
+    formatter_->flush();
+    noteOutputError();
 }
 
 void Reporter::logLine(int32_t level, int32_t category, const std::string& text) {
@@ -68,7 +78,11 @@ Event Reporter::summary(int64_t frames) const {
                  {"expectedResults", expected_}, {"consoleChanges", consoleChanges_}};
 }
 
-void Reporter::finish() { formatter_->finish(); }
+void Reporter::finish() {
+    errno = 0;
+    formatter_->finish();
+    noteOutputError();
+}
 
 namespace {
 void reporterSink(void* ctx, int32_t level, int32_t category, const char* text) {

@@ -81,7 +81,7 @@ public:
     // The closing summary: what ran, what was sent, what failed and why.
     Event summary(int64_t frames) const;
 
-    void flush() { formatter_->flush(); }
+    void flush();
     bool outputFailed() const { return formatter_->failed(); }
     // errno of the first failed write (0 when none failed or it was not known).
     int outputErrno() const { return outputErrno_; }
@@ -98,6 +98,7 @@ private:
     int64_t expected_ = 0;
     int64_t consoleChanges_ = 0;
     int outputErrno_ = 0;
+    void noteOutputError();  // keeps errno of the first failed write
 };
 
 // Installs the reporter as the host layer's log sink for its lifetime.

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
 #include "console.h"
@@ -112,6 +113,20 @@ Event runEvent(const Options& options, const Scenario& scenario) {
     run["nir"] = options.nir ? Event(baseName(*options.nir)) : Event(nullptr);
     run["rlr"] = options.rlr ? Event(baseName(*options.rlr)) : Event(nullptr);
     run["stages"] = options.stages;
+    // Where every input came from, so a run can be traced to its files (an
+    // installed copy to its share/ispdsp/sample, a checkout to data/sample).
+    Event paths;
+    const auto add = [&](const char* name, const std::optional<std::string>& path) {
+        if (path) paths[name] = std::filesystem::absolute(*path).lexically_normal().string();
+    };
+    add("scenario", options.scenario);
+    add("library", options.library);
+    add("tuning", options.tuning);
+    add("monoTuning", options.monoTuning);
+    add("calibration", options.calibration);
+    add("nir", options.nir);
+    add("rlr", options.rlr);
+    run["paths"] = paths;
     return run;
 }
 

@@ -3,6 +3,10 @@
 // messages show the change.
 #include <gtest/gtest.h>
 
+#include <regex>
+#include <set>
+#include <sstream>
+
 #include "sim_runner.h"
 
 namespace {
@@ -97,6 +101,7 @@ TEST(Console, UnknownCommandPrintsTheChineseMenuAsUtf8) {
     const auto results = consoleResults(events);
     ASSERT_EQ(results.size(), 1u);  // nothing after exit
     EXPECT_EQ(results[0]["ret"], -1);
+    EXPECT_EQ(events.back()["failedCalls"], 1);  // a real failure: an unknown name
     bool menu = false;
     for (const Json& log : simtest::eventsOf(events, "log"))
         menu = menu || log["text"].get<std::string>().find("ep_delta  : 数据模糊") != std::string::npos;
@@ -123,6 +128,47 @@ TEST(Console, EveryNFramesPausesUntilContinue) {
     for (const Json& frame : simtest::eventsOf(events, "frame")) sources.push_back(frame["source"]);
     EXPECT_EQ(sources, (std::vector<std::string>{"scenario", "scenario", "console", "scenario", "scenario"}));
     EXPECT_EQ(simtest::eventsOf(events, "console")[0]["frame"], 1);  // after the second frame
+}
+
+// One session: values the driver reads differently are named before they
+// reach it, help is the menu and no failure, and "save" writes a tuning.json
+// that ispdsp-cfg rebuilds into the sample plus exactly the accepted changes.
+// Frame 2 of the gain sweep blends records 2 and 3 of PARAM_MULTICOLOR.
+TEST(Console, WarnsExplainsAndSavesWhatWasTuned) {
+    simtest::TempDir dir;
+    const std::string saved = dir.path("tuned.json");
+    const std::vector<Json> events =
+        runConsole("ep_delta 20000\nnir_k abc\nuv_w 7x\nhelp\nsave " + saved + "\n", {"--save-tuning", dir.path("end.json")});
+    std::vector<std::string> warnings;
+    for (const Json& w : simtest::eventsOf(events, "warning")) warnings.push_back(w["message"]);
+    EXPECT_EQ(warnings, (std::vector<std::string>{"ep_delta: 20000 is outside 1 to 16383: it will be clamped to 16383",
+                                                  "nir_k: \"abc\" is not a number: the driver reads it as 0",
+                                                  "uv_w: the driver reads \"7x\" as 7 (it stops at \"x\")"}));
+    // By design: the pair's first fusion call and the menu; nothing failed.
+    EXPECT_EQ(events.back()["expectedResults"], 2);
+    EXPECT_EQ(events.back()["failedCalls"], 0);
+    EXPECT_EQ(events.back()["consoleChanges"], 3);
+    const auto firstFusion = simtest::messagesOf(events, "FUSION", "color")[0];
+    EXPECT_EQ(firstFusion["frame"], 0);
+    EXPECT_TRUE(firstFusion.contains("expected"));
+    ASSERT_EQ(simtest::eventsOf(events, "saved").size(), 2u);
+    EXPECT_EQ(simtest::readFile(saved), simtest::readFile(dir.path("end.json")));
+
+    const std::string cfg = ISPDSP_CFG_EXE;
+    ASSERT_EQ(std::system(("'" + cfg + "' build '" + saved + "' -o '" + dir.path("tuned.bin") + "' >/dev/null").c_str()), 0);
+    std::system(("'" + cfg + "' diff '" + simtest::samplePath("dsp_isp_para.bin") + "' '" + dir.path("tuned.bin") + "' >'" +
+                 dir.path("diff.txt") + "'").c_str());
+    std::istringstream diff(simtest::readFile(dir.path("diff.txt")));
+    std::set<std::string> changed;
+    for (std::string line; std::getline(diff, line);) {
+        std::smatch m;
+        if (std::regex_match(line, m, std::regex(R"(PARAM_MULTICOLOR fusion\[([23])\]\.(\w+): -?\d+ -> (-?\d+))")))
+            changed.insert(m[1].str() + " " + m[2].str() + " " + m[3].str());
+        else
+            EXPECT_TRUE(line.rfind("checksum", 0) == 0 || line.find("differences") != std::string::npos) << line;
+    }
+    EXPECT_EQ(changed, (std::set<std::string>{"2 ep_delta 16383", "3 ep_delta 16383", "2 nir_k 0", "3 nir_k 0", "2 uv_w 7",
+                                              "3 uv_w 7"}));
 }
 
 }  // namespace

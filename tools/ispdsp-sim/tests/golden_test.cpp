@@ -1,7 +1,7 @@
 // The JSON output of every bundled scenario, compared line by line with the
 // golden file committed under tests/golden/. The driver's source line numbers
-// inside log lines ("(function|123)") and the library's file name (it carries
-// the build's version) are masked, so editing the library's sources does not
+// inside log lines ("(function|123)"), the library's file name (it carries
+// the build's version) and the absolute input paths (they name the checkout) are masked, so editing the library's sources does not
 // disturb the comparison; anything else that changes what reaches the DSP does.
 //
 // After a deliberate change (driver messages, sample data, scenarios),
@@ -26,11 +26,14 @@ using simtest::Json;
 std::vector<std::string> maskedLines(const std::string& text) {
     static const std::regex sourceLine(R"(\|[0-9]+\))");
     static const std::regex libraryName(R"("library":"[^"]*")");
+    static const std::regex paths(R"("paths":\{[^}]*\})");
     std::vector<std::string> lines;
     std::istringstream in(text);
     std::string line;
     while (std::getline(in, line))
-        lines.push_back(std::regex_replace(std::regex_replace(line, sourceLine, "|#)"), libraryName, R"("library":"#")"));
+        lines.push_back(std::regex_replace(
+            std::regex_replace(std::regex_replace(line, sourceLine, "|#)"), libraryName, R"("library":"#")"), paths,
+            R"("paths":"#")"));
     return lines;
 }
 

@@ -9,6 +9,7 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <tuple>
 
 #include "sim_runner.h"
 
@@ -78,6 +79,14 @@ TEST(GainSweep, SixteenStepsThroughTheGainRecords) {
     // The colour pipe crosses the mono pipe's gain (6.5): the difference shrinks, then grows.
     EXPECT_GT(colour[1]["fields"]["ep_delta"].get<int>(), colour[6]["fields"]["ep_delta"].get<int>());
     EXPECT_LT(colour[7]["fields"]["ep_delta"].get<int>(), colour[15]["fields"]["ep_delta"].get<int>());
+    // Values outside the DSP's range are marked with the range (two fields, ranges written here).
+    for (const Json& m : simtest::messagesOf(events, "FUSION"))
+        for (const auto& [field, lo, hi] : {std::tuple<const char*, int, int>{"ep_delta", 1, 16383}, {"high_lum_thr", -256, -1}}) {
+            const int value = m["fields"][field];
+            const bool outside = value < lo || value > hi;
+            ASSERT_EQ(m.contains("outOfRange") && m["outOfRange"].contains(field), outside) << m.dump();
+            if (outside) EXPECT_EQ(m["outOfRange"][field], (Json{{"value", value}, {"min", lo}, {"max", hi}}));
+        }
     // No message carries bytes outside its fields.
     for (const Json& m : simtest::eventsOf(events, "message")) EXPECT_FALSE(m.contains("stray")) << m.dump();
 }
@@ -224,7 +233,9 @@ TEST(TableOutput, ShowsFramesMessagesAndSummary) {
     for (const char* text : {"== ispdsp-sim: scenario gain_sweep.json", "-- frame 1 (scenario)",
                              "> FSSWITCH       fcswitch 1  mode DSP_OUTPUT_FUSE", "> FUSION", "w_nir  min",
                              "refresh -> 0  cfgChanged 0  row 0  PARAM_MULTICOLOR (0)  fusion on",
-                             "flag ISP_SET_FUSION 0 (stop)", "I [DSP_DRV] pswitch=1", "== done: 2 frames"})
+                             "flag ISP_SET_FUSION 0 (stop)", "I [DSP_DRV] pswitch=1", "how to read it:",
+                             "(expected: the start of a linked pair", "== summary: scenario gain_sweep.json, 2 frames",
+                             "failed calls: none"})
         EXPECT_NE(run.out.find(text), std::string::npos) << text;
     const simtest::SimResult quiet =
         simtest::runSim({"--frames", "2", "--quiet-log", simtest::scenarioPath("gain_sweep")});

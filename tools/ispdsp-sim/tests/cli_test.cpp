@@ -1,0 +1,164 @@
+// The command line as a user meets it: every case is (arguments, standard
+// input) -> (exit status, a fragment of stderr or stdout). In the arguments,
+// {tmp} is a fresh folder, {sample} the sample data, {scenario} the gain sweep.
+// Then the failures the table cannot show: a tuning file the driver refuses,
+// a scenario with an error, SIGHUP during a run, the installed tool.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "sim_runner.h"
+
+namespace {
+
+using simtest::Json;
+
+bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+std::string expand(std::string arg, const simtest::TempDir& tmp) {
+    for (const auto& [key, value] : {std::pair<std::string, std::string>{"{tmp}", tmp.path("")},
+                                     {"{sample}", simtest::samplePath("")},
+                                     {"{scenario}", simtest::scenarioPath("gain_sweep")}})
+        for (size_t at; (at = arg.find(key)) != std::string::npos;) arg.replace(at, key.size(), value);
+    return arg;
+}
+
+struct CliCase {
+    const char* name;
+    std::vector<std::string> args;
+    int status;
+    const char* err;  // expected in stderr ("" for none)
+    const char* out;  // expected in stdout ("" for none)
+};
+
+class Cli : public testing::TestWithParam<CliCase> {};
+
+TEST_P(Cli, ExitStatusAndMessage) {
+    simtest::TempDir tmp;
+    std::vector<std::string> args;
+    for (const std::string& arg : GetParam().args) args.push_back(expand(arg, tmp));
+    const simtest::SimResult run = simtest::runSim(args);
+    EXPECT_EQ(run.status, GetParam().status) << run.err;
+    EXPECT_TRUE(contains(run.err, expand(GetParam().err, tmp))) << run.err;
+    EXPECT_TRUE(contains(run.out, GetParam().out)) << run.out.substr(0, 400);
+    EXPECT_FALSE(std::filesystem::exists(tmp.path("-")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, Cli,
+    testing::Values(
+        CliCase{"DirectoryAsScenario", {"{tmp}"}, 2, "bad scenario: {tmp}: is a directory, not a file", ""},
+        CliCase{"DirectoryAsTuning", {"--tuning", "{tmp}", "{scenario}"}, 2, "--tuning {tmp}: is a directory, not a file", ""},
+        CliCase{"MissingTuning", {"--tuning", "{tmp}no.bin"}, 2, "--tuning {tmp}no.bin: cannot open: No such file", ""},
+        CliCase{"TuningBinaryAsRlr", {"--rlr", "{sample}dsp_isp_para.bin"}, 2,
+                "--rlr {sample}dsp_isp_para.bin: seems to be an ISP parameter file, not an RLR table file", ""},
+        CliCase{"JsonAsTuning", {"--tuning", "{sample}tuning.json"}, 2, "seems to be JSON text, not an ISP parameter file", ""},
+        CliCase{"CurveAsCalibration", {"--calibration", "{sample}nir.txt"}, 2, "seems to be NIR curve text", ""},
+        CliCase{"ConsoleEveryZero", {"--console-every", "0"}, 2, "'0' is not a whole number from 1 to 1000000", ""},
+        CliCase{"NegativeFrames", {"--frames", "-1"}, 2, "from 0 to 1000000", ""},
+        CliCase{"UnknownPipe", {"--pipe", "left"}, 2, "--pipe", ""},
+        CliCase{"FullDisk", {"--frames", "1", "-o", "/dev/full"}, 1,
+                "cannot write the results to /dev/full: No space left on device", ""},
+        CliCase{"DashIsStandardOutput", {"--frames", "0", "--json", "-o", "-"}, 0, "", "{\"event\":\"run\""},
+        CliCase{"Version", {"--version"}, 0, "", "ispdsp-sim "},
+        CliCase{"MissingLibrary", {"--lib", "{tmp}libispdsp.so"}, 1,
+                "cannot load the driver library {tmp}libispdsp.so: ", ""},
+        CliCase{"NotTheDriver", {"--lib", "libm.so.6"}, 1, "does not export DRV_dspIspCreateX", ""},
+        CliCase{"RlrFlashCopyIsWritten", {"--rlr", "--frames", "0"}, 0, "", "write /mnt/mtd/3A/rlr_para.bin rlr cfg OK"}),
+    [](const testing::TestParamInfo<CliCase>& info) { return std::string(info.param.name); });
+
+TEST(Errors, BadTuningFileShowsTheDriversLog) {
+    simtest::TempDir dir;
+    // The sample cut short: its checksum and block no longer hold.
+    const std::string tuning = dir.write("cut.bin", simtest::readFile(simtest::samplePath("dsp_isp_para.bin")).substr(0, 5000));
+    const simtest::SimResult run = simtest::runSim({"--json", "--tuning", tuning, simtest::scenarioPath("gain_sweep")});
+    EXPECT_EQ(run.status, 1);
+    for (const std::string& part : {std::string("creating the color pipe (aewPipeId 0) failed: DRV_dspIspCreateX returned -1"),
+                                    std::string("DRV_ispCfgLoad /var/tmp/0/dsp_isp_para.bin failed!"),
+                                    "check the tuning file " + tuning})
+        EXPECT_TRUE(contains(run.err, part)) << run.err;
+    // The results stream stays JSON and ends with the error and the summary.
+    const std::vector<Json> events = simtest::parseLines(run.out);
+    EXPECT_EQ(simtest::eventsOf(events, "error").size(), 1u);
+    EXPECT_TRUE(simtest::eventsOf(events, "frame").empty());
+    EXPECT_EQ(events.back()["event"], "end");
+}
+
+struct BadScenario {
+    const char* name;
+    const char* text;
+    const char* message;  // expected after "<file>"
+};
+
+class ScenarioErrors : public testing::TestWithParam<BadScenario> {};
+
+TEST_P(ScenarioErrors, NameTheFileAndThePlace) {
+    simtest::TempDir dir;
+    const std::string file = dir.write("bad.json", GetParam().text);
+    const simtest::SimResult run = simtest::runSim({file});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(contains(run.err, "bad scenario: " + file + GetParam().message)) << run.err;
+    EXPECT_TRUE(run.out.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, ScenarioErrors,
+    testing::Values(
+        BadScenario{"SyntaxLineAndColumn", "{\n  \"frames\": 3,\n  \"defaults\": {\"gain\": 2,}\n}\n", ":3:26: syntax error"},
+        BadScenario{"TruncatedFile", "{\n  \"segments\": [\n", ":3:1: syntax error"},
+        BadScenario{"Empty", "", ": is empty"},
+        BadScenario{"OutOfRangeInASegment", R"({"segments": [{"frames": 2}, {"frames": 3, "mono": {"gain": 17}}]})",
+                    ": segments[1] (frames 2-4): field 'mono.gain': 17 is outside 0..15"},
+        BadScenario{"UnknownSceneName", R"({"keyframes": [{"frame": 0}, {"frame": 4, "imageScene": "parking"}]})",
+                    ": keyframes[1] (frame 4): field 'imageScene': unknown name \"parking\""},
+        BadScenario{"UnknownField", R"({"keyframes": [{"frame": 0, "zom": 1}]})", ": keyframes[0] (frame 0): unknown field 'zom'"},
+        BadScenario{"KeyframesOutOfOrder", R"({"keyframes": [{"frame": 3}, {"frame": 1}]})",
+                    ": keyframes[1] (frame 1): keyframes must be in ascending frame order"},
+        BadScenario{"RampInAKeyframe", R"({"keyframes": [{"frame": 0, "gain": {"from": 0, "to": 3}}]})",
+                    ": keyframes[0] (frame 0): field 'gain': ramps"},
+        BadScenario{"GainBesideIndexes", R"({"defaults": {"gain": 2, "interCoff": 0.5}})", ": defaults: field 'gain' cannot stand beside"},
+        BadScenario{"FractionalZoom", R"({"segments": [{"frames": 1, "zoom": 1.5}]})",
+                    ": segments[0] (frame 0): field 'zoom': expected a whole number"},
+        BadScenario{"SegmentWithoutFrames", R"({"segments": [{"frames": 2}, {"gain": 1}]})",
+                    ": segments[1] (from frame 2): missing field 'frames'"}),
+    [](const testing::TestParamInfo<BadScenario>& info) { return std::string(info.param.name); });
+
+// A closed terminal (SIGHUP) while the console waits: the run stops like on
+// Ctrl-C, and the temporary sandbox (under TMPDIR) is gone.
+TEST(Signals, HangUpRemovesTheSandbox) {
+    simtest::TempDir tmp;
+    const std::string script = tmp.write("hup.sh", "export TMPDIR=\"$1\"; sleep 20 | \"$2\" --console --frames 1 >/dev/null 2>&1 &\n"
+        "sim=$!; for i in $(seq 100); do ls \"$1\" | grep -q ispdsp-sim- && break; sleep 0.1; done\n"
+        "sleep 0.5; kill -HUP $sim; wait $sim; echo $? >\"$1/status\"\n");
+    ASSERT_EQ(std::system(("bash '" + script + "' '" + tmp.path("") + "' '" + ISPDSP_SIM_EXE + "'").c_str()), 0);
+    EXPECT_EQ(simtest::readFile(tmp.path("status")), "130\n");
+    std::vector<std::string> left;
+    for (const auto& entry : std::filesystem::directory_iterator(tmp.path("")))
+        if (entry.path().extension() != ".sh" && entry.path().filename() != "status") left.push_back(entry.path().filename());
+    EXPECT_TRUE(left.empty()) << left.front();
+}
+
+// The installed tool stands alone: install, copy the prefix elsewhere, remove
+// the original, run the copy from another folder. Every input it reports must
+// come from the copy, none from the checkout.
+TEST(Install, InstalledToolUsesItsOwnSampleData) {
+    simtest::TempDir tmp;
+    for (const char* component : {"runtime", "host"}) {
+        const std::string install = std::string("'") + ISPDSP_CMAKE_COMMAND + "' --install '" + ISPDSP_BUILD_ROOT +
+                                    "' --prefix '" + tmp.path("staged") + "' --component " + component + " >/dev/null";
+        ASSERT_EQ(std::system(install.c_str()), 0) << install;
+    }
+    std::filesystem::copy(tmp.path("staged"), tmp.path("moved"), std::filesystem::copy_options::recursive |
+                                                                   std::filesystem::copy_options::copy_symlinks);
+    std::filesystem::remove_all(tmp.path("staged"));
+    const std::string command = "cd '" + tmp.path("") + "' && moved/bin/ispdsp-sim --json --frames 2 --rlr >out.jsonl";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const std::vector<Json> events = simtest::parseLines(simtest::readFile(tmp.path("out.jsonl")));
+    ASSERT_FALSE(events.empty());
+    const Json& paths = events.front()["paths"];
+    EXPECT_EQ(paths.size(), 6u) << paths.dump();  // scenario, library, tuning, calibration, nir, rlr
+    for (const auto& [name, path] : paths.items())
+        EXPECT_EQ(path.get<std::string>().rfind(tmp.path("moved/"), 0), 0u) << name << " " << path;
+    EXPECT_EQ(events.back()["failedCalls"], 0);
+}
+
+}  // namespace
