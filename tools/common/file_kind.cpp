@@ -7,13 +7,13 @@ namespace ispdsp::tools {
 namespace {
 
 constexpr uint32_t kParamVersionBits = 0x47A21280;  // 82981.0f, the only version the driver reads
-constexpr size_t kParamOverhead = 112;               // header, size word, checksum
-constexpr size_t kRlrTableBytes = 768;               // three 256-byte tables
-constexpr size_t kRlrStampFromEnd = 226;             // six date bytes: year-2000, month, day, h, m, s
+constexpr size_t kParamOverhead = 112;              // header, size word, checksum
+constexpr size_t kRlrTableBytes = 768;              // three 256-byte tables
+constexpr size_t kRlrStampFromEnd = 226;            // six date bytes: year-2000, month, day, h, m, s
 
 uint32_t wordAt(std::span<const uint8_t> b, size_t at) {
-    return static_cast<uint32_t>(b[at]) | static_cast<uint32_t>(b[at + 1]) << 8 | static_cast<uint32_t>(b[at + 2]) << 16 |
-           static_cast<uint32_t>(b[at + 3]) << 24;
+    return static_cast<uint32_t>(b[at]) | static_cast<uint32_t>(b[at + 1]) << 8 |
+           static_cast<uint32_t>(b[at + 2]) << 16 | static_cast<uint32_t>(b[at + 3]) << 24;
 }
 
 // The version word, or a size word that accounts for the whole file (a file of another version).
@@ -94,7 +94,8 @@ const char* describeFileKind(FileKind kind) {
 }
 
 std::string wrongKindReason(FileKind found, FileKind expected) {
-    const std::string seems = found == FileKind::Empty ? "is empty" : std::string("seems to be ") + describeFileKind(found);
+    const std::string seems =
+        found == FileKind::Empty ? "is empty" : std::string("seems to be ") + describeFileKind(found);
     return seems + ", not " + describeFileKind(expected);
 }
 

@@ -31,8 +31,9 @@ InputFile readInputFile(const std::string& path) {
     if (::fstat(file.fd, &info) != 0) return failure(path, std::string("cannot stat: ") + std::strerror(errno));
     if (S_ISDIR(info.st_mode)) return failure(path, "is a directory, not a file");
     if (S_ISREG(info.st_mode) && static_cast<uint64_t>(info.st_size) > kMaxInputBytes) {
-        return failure(path, "is " + std::to_string(info.st_size) + " bytes long: larger than any file the tool reads (" +
-                                 std::to_string(kMaxInputBytes) + ")");
+        return failure(path, "is " + std::to_string(info.st_size) +
+                                 " bytes long: larger than any file the tool reads (" + std::to_string(kMaxInputBytes) +
+                                 ")");
     }
     InputFile in;
     uint8_t chunk[65536];
@@ -45,7 +46,8 @@ InputFile readInputFile(const std::string& path) {
         }
         in.bytes.insert(in.bytes.end(), chunk, chunk + got);
         if (in.bytes.size() > kMaxInputBytes) {
-            return failure(path, "more than " + std::to_string(kMaxInputBytes) + " bytes: larger than any file the tool reads");
+            return failure(
+                path, "more than " + std::to_string(kMaxInputBytes) + " bytes: larger than any file the tool reads");
         }
     }
     return in;

@@ -43,7 +43,8 @@ constexpr const char* kSourceFormat = R"(JSON source format:
   A source the driver would reject (no table, a version other than 82981) is not written.
   Padding bytes are written as 0, so dump/build normalise them.)";
 
-constexpr const char* kFooter = R"(Messages: "error:" the driver rejects the file (bad checksum, cut short, another version, no
+constexpr const char* kFooter =
+    R"(Messages: "error:" the driver rejects the file (bad checksum, cut short, another version, no
   table) or the command failed; "warning:" the driver loads the file but ignores or changes part
   of it (a value outside its DSP range, padding, a duplicate or invalid table type).
 Exit status, for every command:
@@ -75,7 +76,8 @@ int runTool(int argc, char** argv) {
     ispcfg::BuildOptions build;
     auto* buildCmd = app.add_subcommand("build", "JSON source -> binary parameter file");
     buildCmd->add_option("source", build.source, "JSON source")->required();
-    buildCmd->add_option("-o,--output", build.output, "binary parameter file to write, - for standard output")->required();
+    buildCmd->add_option("-o,--output", build.output, "binary parameter file to write, - for standard output")
+        ->required();
     buildCmd->add_flag("--stamp-date", build.stampDate, "set dateTime to the current UTC time");
     buildCmd->footer(kSourceFormat);
     buildCmd->callback([&] { status = ispcfg::runBuild(build, std::cout, std::cerr); });

@@ -1,5 +1,5 @@
 // check: a value outside its DSP range is a warning that names the table, the gain step and
-// the field. (Damaged files: bad_input_test.cpp.)
+// the field. (Damaged files: command_table_test.cpp.)
 #include <gtest/gtest.h>
 
 #include "commands.h"

@@ -1,5 +1,5 @@
 // diff: header fields, tables present in one file only, changed fields and curves.
-// (Checksums: bad_input_test.cpp.)
+// (Checksums: command_table_test.cpp.)
 #include <gtest/gtest.h>
 
 #include "commands.h"
@@ -32,7 +32,8 @@ TEST(Diff, NamesTheTableAndFieldOfEachChange) {
     const RunResult r = diffFiles(dir, serializeParamFile(a), serializeParamFile(b));
     EXPECT_EQ(r.status, kExitFindings);
     for (const std::string& line :
-         {std::string("PARAM_TRAFFIC fusion[3].ep_delta: 700 -> 705\n"), std::string("header.pdtName: \"dual-sensor-nir-bullet\" -> \"new\"\n"),
+         {std::string("PARAM_TRAFFIC fusion[3].ep_delta: 700 -> 705\n"),
+          std::string("header.pdtName: \"dual-sensor-nir-bullet\" -> \"new\"\n"),
           "only in " + dir.path("a.bin") + ": PARAM_FACE\n", "only in " + dir.path("b.bin") + ": PARAM_EVENT\n",
           std::string("PARAM_MULTICOLOR fusion[2].w_nir: 1 of 511 points differ (first [100]")}) {
         EXPECT_NE(r.out.find(line), std::string::npos) << line << "\n" << r.out;

@@ -26,6 +26,7 @@ std::string table(std::string body, const std::string& step2 = "{}") {
 }
 
 const std::string kT0 = "tables[0] (PARAM_MULTICOLOR) ";
+// clang-format off
 const std::pair<std::string, std::string> kMistakes[] = {  // source, message after "<file>: "
     {"{\n  \"tables\": [\n    {\"type\": \"PARAM_MULTICOLOR\",}\n  ]\n}\n", "line 3, column 33: JSON syntax error"},
     {table("\"fusion\": @", "{\"ep_dleta\": 3}"), kT0 + "fusion[2].ep_dleta: unknown field \"ep_dleta\" (did you mean \"ep_delta\"?)"},
@@ -47,6 +48,7 @@ const std::pair<std::string, std::string> kMistakes[] = {  // source, message af
     {"{\"table\": []}", "table: unknown field \"table\" (did you mean \"tables\"?)"},
     {"{\"header\": {\"ver\": 82981.5}, \"tables\": [{\"type\": 0}]}", "not written: header ver = 82981.5 (the driver reads version 82981 only"},
 };
+// clang-format on
 
 TEST(BuildErrors, NameTheirPlaceAndWriteNothing) {
     TempDir dir;

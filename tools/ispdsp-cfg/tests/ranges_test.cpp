@@ -52,6 +52,7 @@ TEST(Ranges, FusionFieldsAreFlaggedWhenTheBlendWouldClampThem) {
 }
 
 using Setter = Int32 (*)(CFG_DspIspCfgParam&, Int32 id, Int32 value);
+// clang-format off
 #define STAGE(record, Name, ...) \
     {#record, {[](CFG_DspIspCfgParam& t, Int32 id, Int32 v) { return DRV_dspdbg##Name(&t.record, id, v); }, {__VA_ARGS__}}}
 
@@ -63,6 +64,7 @@ const std::map<std::string, std::pair<Setter, std::vector<Int32>>> kSetters = {
     STAGE(ispLleParam, Lle),     STAGE(ispYlwdrParam, Ylwdr), STAGE(ispY2dParam, Y2d),
     STAGE(ispDlaeParam, Dlae, 1), STAGE(ispDlcfaParam, Dlcfa), STAGE(ispSadeParam, Sade),
 };
+// clang-format on
 
 TEST(Ranges, StageFieldsAreFlaggedWhenTheLibraryWouldClampThem) {
     ispdsp_host_log_sink sink = nullptr;  // the setters' confirmation lines are not wanted here

@@ -1,5 +1,5 @@
 // select: the tool's explanation agrees with the library's choice for every map row, on table
-// sets that force each fallback path. (One state's explanation in words: bad_input_test.cpp.)
+// sets that force each fallback path. (One state's explanation in words: command_table_test.cpp.)
 #include <gtest/gtest.h>
 
 #include "commands.h"

@@ -35,8 +35,8 @@ void setField(ispcfg::TableEntry& table, const std::string& record, int step, co
     for (const ispcfg::FieldDef& f : ispcfg::allFields()) {
         if ((f.group[0] != '\0' ? std::string(f.record) + "." + f.group : f.record) != record || name != f.name)
             continue;
-        const size_t at = record == "fusion" ? ispcfg::kFusionOffset + static_cast<size_t>(step) * ispcfg::kStepBytes
-                                             : 0;
+        const size_t at =
+            record == "fusion" ? ispcfg::kFusionOffset + static_cast<size_t>(step) * ispcfg::kStepBytes : 0;
         return ispcfg::storeField(table.bytes.data() + at + f.offset, f.type, value);
     }
     ADD_FAILURE() << "no field " << record << "." << name;

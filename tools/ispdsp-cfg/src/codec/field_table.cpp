@@ -68,7 +68,8 @@ struct StageRecord {
     const StageRules* rules;
 };
 
-#define RECORD_AT(record, rules) StageRecord{#record, offsetof(Table, record), rules}
+#define RECORD_AT(record, rules) \
+    StageRecord { #record, offsetof(Table, record), rules }
 const StageRecord kStageRecords[] = {
     RECORD_AT(ispLsmParam, &ispdsp::stages::lsm::kRules),
     RECORD_AT(ispLaeParam, &ispdsp::stages::lae::kRules),

@@ -82,8 +82,8 @@ Findings structureFindings(const ParsedFile& f) {
         out.push_back({FindingKind::Checksum, "checksum word missing (the file ends inside the block)"});
     } else if (f.storedChecksum != f.computedChecksum) {
         out.push_back({FindingKind::Checksum, "checksum " + hex32(static_cast<uint32_t>(f.storedChecksum)) +
-                                                   " stored, " + hex32(static_cast<uint32_t>(f.computedChecksum)) +
-                                                   " computed (the driver rejects the file)"});
+                                                  " stored, " + hex32(static_cast<uint32_t>(f.computedChecksum)) +
+                                                  " computed (the driver rejects the file)"});
     }
     return out;
 }
@@ -91,8 +91,8 @@ Findings structureFindings(const ParsedFile& f) {
 Findings headerFindings(const FileHeader& h) {
     Findings out;
     if (!versionMatches(h.verBits)) {
-        out.push_back({FindingKind::Version,
-                       "header ver = " + describeFloat(h.verBits) + " (the driver reads version 82981 only: it rejects the file)"});
+        out.push_back({FindingKind::Version, "header ver = " + describeFloat(h.verBits) +
+                                                 " (the driver reads version 82981 only: it rejects the file)"});
     }
     return out;
 }
@@ -100,7 +100,9 @@ Findings headerFindings(const FileHeader& h) {
 Findings tableFindings(const std::vector<TableEntry>& entries) {
     Findings out;
     if (entries.empty())
-        out.push_back({FindingKind::NoTables, "the block holds no tables (the driver rejects a file of 112 bytes, and can choose no table from an empty block)"});
+        out.push_back({FindingKind::NoTables,
+                       "the block holds no tables (the driver rejects a file of 112 bytes, and can choose no table "
+                       "from an empty block)"});
     const std::vector<std::string> labels = tableLabels(entries);
     std::map<int32_t, size_t> first;
     for (size_t i = 0; i < entries.size(); ++i) {

@@ -29,7 +29,8 @@ std::optional<DumpedJson> dumpTuningJson(std::span<const uint8_t> paramFile, std
     }
     for (const Finding& f : headerFindings(file->image.header)) dumped.errors.push_back(f.text);
     if (!file->afterChecksum.empty()) {
-        dumped.warnings.push_back(std::to_string(file->afterChecksum.size()) + " bytes after the checksum are not dumped");
+        dumped.warnings.push_back(std::to_string(file->afterChecksum.size()) +
+                                  " bytes after the checksum are not dumped");
     }
     for (const Finding& f : tableFindings(file->image.entries)) {
         // Range and version findings are check's business; report what the JSON cannot carry.

@@ -14,11 +14,11 @@ namespace {
 using namespace ispcfg;
 using namespace ispcfg_test;
 
-struct BadInput {
+struct CommandCase {
     std::string args;  // {d} is the test folder, {s} the sample folder
     int status;
     std::string line;      // expected in standard output or error
-    std::string stdoutTo;  // "" captures it
+    std::string stdoutTo = {};  // empty: captured
 };
 
 std::string expand(std::string text, const TempDir& dir) {
@@ -40,8 +40,9 @@ void prepare(const TempDir& dir) {
     // The last entry cut to 100 bytes, with a size word and checksum that match.
     std::vector<uint8_t> trail(good.begin(), good.end() - (kEntryBytes - 100));
     storeWord(trail, kHeaderBytes, static_cast<uint32_t>(trail.size() - kFileOverhead));
-    storeWord(trail, trail.size() - 4, static_cast<uint32_t>(fileChecksum(trail.data(), trail.data() + kHeaderBytes + 4,
-                                                                          trail.size() - kFileOverhead)));
+    storeWord(trail, trail.size() - 4,
+              static_cast<uint32_t>(
+                  fileChecksum(trail.data(), trail.data() + kHeaderBytes + 4, trail.size() - kFileOverhead)));
     writeBytes(dir.path("trail.bin"), trail);
     writeBytes(dir.path("short.bin"), std::vector<uint8_t>(112, 0));
     image.entries.push_back(image.entries[6]);  // a second PARAM_TRAFFIC
@@ -73,7 +74,8 @@ const char* const kFolder = "is a directory, not a file";
 const char* const kRejected = "computed (the driver rejects the file)";
 const char* const kFull = "error: standard output: write failed";
 
-const BadInput kCases[] = {
+// clang-format off
+const CommandCase kCases[] = {
     {"check {d}folder", 2, kFolder},
     {"dump {d}folder", 2, kFolder},
     {"select {d}folder", 2, kFolder},
@@ -133,12 +135,13 @@ const BadInput kCases[] = {
     {"--version", 0, "ispdsp-cfg " ISPDSP_VERSION "\n"},
     {"--help", 0, "Exit status, for every command:"},
 };
+// clang-format on
 
-TEST(BadInput, EachCommandSaysWhatIsWrongAndExitsByTheRule) {
+TEST(CommandTable, EachCommandSaysWhatIsWrongAndExitsByTheRule) {
     TempDir dir;
     prepare(dir);
     setenv("ISPDSP_ROOT", dir.path("no-such-root").c_str(), 1);  // the driver's sandbox is not for a tool's paths
-    for (const BadInput& c : kCases) {
+    for (const CommandCase& c : kCases) {
         const RunResult r = runExe(expand(c.args, dir), c.stdoutTo);
         EXPECT_EQ(r.status, c.status) << c.args << "\n" << r.err;
         EXPECT_NE((r.out + r.err).find(expand(c.line, dir)), std::string::npos) << c.args << "\n" << r.out << r.err;
@@ -149,7 +152,7 @@ TEST(BadInput, EachCommandSaysWhatIsWrongAndExitsByTheRule) {
 }
 
 // Damaged parameter files of every length, in process: each command answers with a status.
-TEST(BadInput, DamagedFilesNeverThrow) {
+TEST(CommandTable, DamagedFilesNeverThrow) {
     TempDir dir;
     const std::vector<uint8_t> good = serializeParamFile(sampleImage());
     std::mt19937 rng(12);
@@ -159,11 +162,17 @@ TEST(BadInput, DamagedFilesNeverThrow) {
         const std::string path = dir.path("damaged.bin");
         writeBytes(path, bytes);
         for (const auto& command : std::vector<std::function<int(std::ostream&, std::ostream&)>>{
-                 [&](auto& o, auto& e) { return runCheck(path, o, e); },
-                 [&](auto& o, auto& e) { return runDump({path, dir.path("d.json")}, o, e); },
-                 [&](auto& o, auto& e) { return runDiff(path, path, o, e); },
-                 [&](auto& o, auto& e) { return runSelect({path, true, {}}, o, e); },
-                 [&](auto& o, auto& e) { return runPlot({path, "PARAM_MULTICOLOR", dir.path("p.svg")}, o, e); }}) {
+                 [&](auto&o, auto&e) { return runCheck(path, o, e); },
+                 [&](auto&o, auto&e) {
+                     return runDump({path, dir.path("d.json")}, o, e);
+                 },
+                 [&](auto&o, auto&e) { return runDiff(path, path, o, e); },
+                 [&](auto&o, auto&e) {
+                     return runSelect({path, true, {}}, o, e);
+                 },
+                 [&](auto&o, auto&e) {
+                     return runPlot({path, "PARAM_MULTICOLOR", dir.path("p.svg")}, o, e);
+                 }}) {
             int status = -1;
             EXPECT_NO_THROW(status = run(command).status) << "length " << bytes.size();
             EXPECT_TRUE(status >= 0 && status <= 2) << status;
