@@ -9,7 +9,8 @@ int runCheck(const std::string& input, std::ostream& out, std::ostream& err) {
     const std::optional<LoadedParamFile> loaded = loadParamFileFor(input, err);
     if (!loaded) return kExitError;
     if (!loaded->file) {  // too short to be taken apart: a finding about the file, not a tool failure
-        out << "error: " << input << ": " << loaded->tooShort << "\n" << input << ": 1 error, 0 warnings\n";
+        out << "error: " << input << ": " << loaded->tooShort << "\n"
+            << input << ": 1 error, 0 warnings (the driver rejects the file)\n";
         return kExitFindings;
     }
     const ParsedFile& file = *loaded->file;
