@@ -63,6 +63,7 @@ void prepare(const TempDir& dir) {
     writeBytes(dir.path("bad.bin"), bad);
     writeBytes(dir.path("cut.bin"), std::vector<uint8_t>(good.begin(), good.begin() + 5000));
     writeText(dir.path("empty.json"), "{\"tables\": []}");
+    writeText(dir.path("flag.json"), "{\"tables\": [{\"type\": \"PARAM_MULTICOLOR\", \"ispFusionFlag\": 1}]}");
     writeText(dir.path("zero"), "");
     writeText(dir.path("notes.txt"), "tuning notes\n");
     std::vector<uint8_t> junk(300);
@@ -122,6 +123,8 @@ const CommandCase kCases[] = {
     {"dump {d}cut.bin", 1, "error: {d}cut.bin: block size 88240 exceeds the file"},
     {"plot {d}s.bin --table PARAM_NOPE -o {d}x.svg", 2, "\"PARAM_NOPE\" is not a PARAM_TABLE_TYPE name"},
     {"plot {d}s.bin --table PARAM_EVENT -o {d}x.svg", 2, "has no PARAM_EVENT table"},
+    {"build {d}flag.json -o {d}flag.bin", 1, "warning: {d}flag.json: PARAM_MULTICOLOR fusion[0].ep_delta = 0 (DSP range 1..16383)\n"},
+    {"dump {d}flag.bin", 0, "\"type\": \"PARAM_MULTICOLOR\",\n      \"ispFusionFlag\": 1,\n"},  // missing fields are 0
     {"build {d}empty.json -o {d}x.bin", 2, "not written: the block holds no tables"},
     {"build {d}s.json -o {d}s.json", 2, "error: {d}s.json: is the input file {d}s.json; not overwritten"},
     {"dump {d}s.bin", 2, kFull, "/dev/full"},

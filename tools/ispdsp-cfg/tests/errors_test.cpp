@@ -1,6 +1,6 @@
 // build: every mistake in a JSON source is an error naming the file, the table and the field
-// (with "did you mean"), and no file is written; missing fields are 0 and out-of-range values
-// are warnings of a file that is written.
+// (with "did you mean"), and no file is written. (Out-of-range values, which are warnings of a
+// file that is written: command_table_test.cpp.)
 #include <gtest/gtest.h>
 
 #include "commands.h"
@@ -58,19 +58,6 @@ TEST(BuildErrors, NameTheirPlaceAndWriteNothing) {
         EXPECT_NE(r.err.find("error: " + dir.path("src.json") + ": " + message), std::string::npos) << r.err;
         EXPECT_FALSE(std::filesystem::exists(dir.path("out.bin"))) << source;
     }
-}
-
-TEST(BuildErrors, MissingFieldsAreZeroAndOutOfRangeValuesAreWarnings) {
-    TempDir dir;
-    const RunResult r = buildText(dir, table("\"ispFusionFlag\": 1"));
-    EXPECT_EQ(r.status, kExitFindings);  // written, with warnings
-    EXPECT_NE(r.err.find("warning: " + dir.path("src.json") +
-                         ": PARAM_MULTICOLOR fusion[0].ep_delta = 0 (DSP range 1..16383)"),
-              std::string::npos)
-        << r.err;
-    const std::vector<uint8_t> bytes = readBytes(dir.path("out.bin"));
-    ASSERT_EQ(bytes.size(), kFileOverhead + kEntryBytes);
-    EXPECT_EQ(bytes[kHeaderBytes + 4 + 4], 1);  // ispFusionFlag
 }
 
 }  // namespace
