@@ -1,5 +1,6 @@
-// DRV_dspCalculateFusion: blends the two stored fusion records of the current
-// gain step pair into the DSP record, then holds every scalar to the DSP range.
+// The gain blend (blendGainSteps, shared by DRV_dspCalculateFusion and the
+// per-frame update): blends the two stored fusion records of the current gain
+// step pair into the DSP record, then holds every scalar to the DSP range.
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -16,9 +17,10 @@ namespace {
 
 using namespace ispdsp::fusion;
 
-// x86-64 builds carry an FMA/AVX2 clone (picked at load time) so the curve
-// loop runs as vector FMAs instead of one libm call per point; the FMA is
-// exact, so both clones give identical bytes. AArch64 has FMA in its baseline.
+// x86-64 builds carry an FMA/AVX2 clone (picked at load time) so the curve and
+// scalar loops run as vector FMAs instead of one libm call per value (the
+// x86-64 baseline has no FMA instruction); the FMA is exact, so both clones
+// give identical bytes. AArch64 has FMA in its baseline and needs no clone.
 // ISPDSP_NO_CPU_CLONES builds the baseline code alone (to check it against the clone).
 #if defined(__x86_64__) && defined(__has_attribute) && !defined(ISPDSP_NO_CPU_CLONES)
 #if __has_attribute(target_clones)
