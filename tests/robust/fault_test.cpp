@@ -219,8 +219,8 @@ TEST_F(RobustFault, ParamFileLoaderEndsCleanlyWhenItsAllocationFails) {
 TEST_F(RobustFault, NirCurveLoaderEndsCleanlyOnEveryFault) {
     const std::string curve = nirCurveText();
     sandbox.writeFile(kNirFile, curve);
-    std::vector<CFG_DSP_FusionV2722> records(driver_test::fusionTable(3).ispFusionParam,
-                                             driver_test::fusionTable(3).ispFusionParam + FUSION_GAIN_STEPS);
+    const CFG_DspIspCfgParam table = driver_test::fusionTable(3);
+    std::vector<CFG_DSP_FusionV2722> records(table.ispFusionParam, table.ispFusionParam + FUSION_GAIN_STEPS);
     const std::vector<CFG_DSP_FusionV2722> before = records;
     const size_t recordBytes = records.size() * sizeof(records[0]);
     DRV_gainInterParam gain{};
