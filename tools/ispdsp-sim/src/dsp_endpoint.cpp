@@ -5,7 +5,7 @@
 #include <cstring>
 #include <optional>
 
-#include "fusion/fusion_fields.h"
+#include "dsp_ranges.h"
 #include "message_decoder.h"
 #include "names.h"
 
@@ -20,20 +20,6 @@ struct EndpointState {
     std::array<std::optional<DSP_AEW_CFG_S>, kPipeCount> fusionState;
 };
 EndpointState g_endpoint;
-
-// FUSION fields outside the DSP's range, with the range: the colour/mono
-// combination (|C - M|, C - M) is not held to the range the way a single
-// pipe's blend is, so the DSP can be handed values it does not expect. The
-// ranges are the library's own field table.
-Event outOfRange(const DecodedMessage& decoded) {
-    Event out = Event::object();
-    if (decoded.type != DSP_AEW_CFG_TYPE_FUSION) return out;
-    for (const DecodedField& field : decoded.fields)
-        for (const ispdsp::fusion::ScalarField& rule : ispdsp::fusion::kScalarFields)
-            if (std::strcmp(rule.name, field.name) == 0 && (field.value < rule.lo || field.value > rule.hi))
-                out[field.name] = Event{{"value", field.value}, {"min", rule.lo}, {"max", rule.hi}};
-    return out;
-}
 
 // Set messages come from the driver and their addresses point into its
 // memory; a read-back answer is the simulator's own and is not followed.

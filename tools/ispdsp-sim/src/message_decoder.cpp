@@ -240,7 +240,8 @@ DecodedMessage decodeMessage(const DSP_AEW_CFG_S& message, bool followAddresses)
     for (size_t i = 0; i < sizeof message.u32Type; ++i) covered[i] = true;
     if (stage != nullptr) {
         for (const FieldSpec& field : stage->fields) {
-            out.fields.push_back({field.name, readField(bytes, field.offset, field.type), field.type == WireType::Address});
+            out.fields.push_back(
+                {field.name, readField(bytes, field.offset, field.type), field.type == WireType::Address, field.offset});
             for (size_t i = 0; i < widthOf(field.type); ++i) covered[field.offset + i] = true;
         }
         if (followAddresses && stage->target != AddressTarget::None) {

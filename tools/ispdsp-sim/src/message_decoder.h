@@ -45,6 +45,7 @@ struct DecodedField {
     const char* name;
     int64_t value;
     bool isAddress;
+    size_t offset;  // in the message
 };
 struct DecodedMessage {
     uint32_t type = 0;

@@ -198,6 +198,7 @@ TEST(Stages, EveryStageIsDecodedWithoutStrayBytes) {
             EXPECT_FALSE(m.contains("stray")) << m.dump();
             EXPECT_FALSE(m["fields"].empty()) << stage;
             EXPECT_EQ(m["nId"], m["pipe"] == "color" ? 0 : 1);  // the host's own handle per pipe
+            EXPECT_FALSE(m.contains("outOfRange")) << m.dump();  // the calculation held every value to its range
         }
     }
     EXPECT_EQ(events.back()["failedCalls"], 0);  // every calculation and Set call succeeded
