@@ -157,10 +157,12 @@ private:
                      wrapPairs(fields, prefix.size() + head.size() + 1).c_str());
         if (e.contains("w_nir")) curve(e["w_nir"]);
         if (e.contains("outOfRange")) {
-            std::string text = "outside the DSP range:";
+            Event outside;
             for (const auto& [name, r] : e["outOfRange"].items())
-                text += " " + name + " " + valueText(r["value"]) + " (" + valueText(r["min"]) + ".." + valueText(r["max"]) + ")";
-            std::fprintf(out_, "%s! %s\n", kIndent.c_str(), text.c_str());
+                outside[name] = valueText(r["value"]) + " (" + valueText(r["min"]) + ".." + valueText(r["max"]) + ")";
+            const std::string head = "! outside the DSP range: ";
+            std::fprintf(out_, "%s%s%s\n", kIndent.c_str(), head.c_str(),
+                         wrapPairs(outside, kIndent.size() + head.size()).c_str());
         }
         if (e.contains("expected")) std::fprintf(out_, "%s%s\n", kIndent.c_str(), expectedText(e).substr(2).c_str());
     }
