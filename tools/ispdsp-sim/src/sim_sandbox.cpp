@@ -33,7 +33,10 @@ SimSandbox::SimSandbox(const std::optional<std::string>& root, bool keep) {
     }
     for (const char* dir : kWritableDeviceDirs) {
         fs::create_directories(hostPath(dir), ec);
-        if (ec) throw SandboxError("cannot create " + hostPath(dir) + ": " + ec.message());
+        if (!ec) continue;
+        const std::string why = "cannot create " + hostPath(dir) + ": " + ec.message();
+        if (remove_) fs::remove_all(root_, ec);  // no destructor runs after a throwing constructor
+        throw SandboxError(why);
     }
     setenv(kRootVariable, root_.c_str(), 1);
 }
