@@ -171,6 +171,7 @@ TEST_F(DriverFusion, TableWithoutFusionSendsAndLogsNothing) {
 // message; the pipe's own record is the gain blend of its current table, and
 // the fusion message carries the colour/mono combination (the exported
 // calculations are the oracle: this checks the driver's wiring). No IR or CAL.
+// After creation the frame loop takes no memory at all.
 TEST_F(DriverFusion, LinkedPairOverManyFrames) {
     writeParamFiles();
     startPair();
@@ -182,6 +183,7 @@ TEST_F(DriverFusion, LinkedPairOverManyFrames) {
         calculateOwn(driver_test::fusionTable(tableVariant(p == 0 ? kColourPipe : kMonoPipe, false)),
                      pipes[p]->run().gainInterParam, 0, own[p]);
     }
+    ispdsp_test::MemGuard guard;
     for (int frame = 0; frame < 90; ++frame) {
         SCOPED_TRACE("frame " + std::to_string(frame));
         const bool night = (frame / 15) % 2 == 1;
@@ -194,6 +196,7 @@ TEST_F(DriverFusion, LinkedPairOverManyFrames) {
             pipes[p]->run().dncMode = night ? 0 : 1;
             pipes[p]->run().ptzUpdateParam.zoom = frame * 7;
             ASSERT_EQ(pipes[p]->publishSwitch(p == 1 ? monoSwitch : 9), 0);  // the colour pipe's is never used
+            ASSERT_EQ(pipes[p]->gainFlags(), 0);
             ASSERT_EQ(pipes[p]->refresh(nullptr), 0);
         }
         for (int k = 0; k < 2; ++k) {
@@ -229,13 +232,16 @@ TEST_F(DriverFusion, LinkedPairOverManyFrames) {
             EXPECT_EQ(log.texts(), std::vector<std::string>{"[DSP_DRV] pswitch=" + std::to_string(monoSwitch) + "\n"});
         }
     }
+    EXPECT_EQ(guard.allocCalls(), 0u);
+    EXPECT_EQ(guard.freeCalls(), 0u);
 }
 
-// IR message rules on a zoom list 100, 200, 300.
+// IR message rules on a zoom list 100, 200, 300; the lookups take no memory.
 TEST_F(DriverFusion, ZoomBandLookup) {
     writeParamFiles();
     writeRegistration(2, {100, 200, 300});
     startPair();
+    ispdsp_test::MemGuard guard;
     runZoomFrame(140);
     runZoomFrame(150);  // index 1, whatever ran before
     EXPECT_EQ(runZoomFrame(150), std::vector<Uint32>{});       // same zoom: no lookup, no message
@@ -244,6 +250,7 @@ TEST_F(DriverFusion, ZoomBandLookup) {
     EXPECT_EQ(runZoomFrame(400), std::vector<Uint32>{});       // beyond the list: the index stays
     EXPECT_EQ(runZoomFrame(201), std::vector<Uint32>{2});
     EXPECT_EQ(runZoomFrame(-1), std::vector<Uint32>{0});
+    EXPECT_EQ(guard.allocCalls(), 0u);
 }
 
 // The calibration message goes out once per change of registerFlag in the
@@ -290,40 +297,6 @@ TEST_F(DriverFusion, CalibrationMessageOncePerProcessAndPlace) {
         EXPECT_EQ(c.remove(), 0);
         EXPECT_EQ(m.remove(), 0);
     }
-}
-
-// After creation, the frame loop of a linked pair takes no memory at all.
-TEST_F(DriverFusion, FramesOfALinkedPairAllocateNothing) {
-    writeParamFiles();
-    writeRegistration(3, {100, 200, 300, 400});
-    startPair();
-    dsp.followAddresses(false);
-    ispdsp_test::MemGuard guard;
-    DRV_ispModuleResults results;
-    std::memset(&results, 0, sizeof(results));
-    for (int frame = 0; frame < 4000; ++frame) {
-        for (HostPipe* pipe : {&colour, &mono}) {
-            pipe->run().gainInterParam.gainStartIndex = frame % 16;
-            pipe->run().gainInterParam.gainEndIndex = (frame + 1) % 16;
-            pipe->run().gainInterParam.interCoff = static_cast<Float32>(frame % 11) / 10.0f;
-            pipe->run().dncMode = (frame / 100) % 2;
-            pipe->run().ptzUpdateParam.zoom = (frame * 37) % 500;
-            results.sensorStandbyParam.pSwitch = static_cast<Uint8>(frame % 3);
-            ASSERT_EQ(pipe->moduleResults(&results), 0);
-            ASSERT_EQ(pipe->gainFlags(), 0);
-            Int32 changed = 0;
-            ASSERT_EQ(pipe->refresh(&changed), 0);
-            pipe->fusion();
-        }
-        if (frame % 64 == 0) {  // the doubles' own records, not the driver's
-            dsp.clearCalls();
-            log.clear();
-            colour.flags.clear();
-            mono.flags.clear();
-        }
-    }
-    EXPECT_EQ(guard.allocCalls(), 0u);
-    EXPECT_EQ(guard.freeCalls(), 0u);
 }
 
 }  // namespace

@@ -130,8 +130,6 @@ uint32_t stored(const StageCase& stage, const Row& row, int32_t value) {
     return uint32_t(held) & allOnes(row.rec);
 }
 
-std::vector<std::string> texts(const LogCapture& log) { return log.texts(); }
-
 class StageContract : public testing::TestWithParam<StageCase> {};
 
 TEST_P(StageContract, CalculationHoldsEachFieldToItsRangeAndWritesNothingElse) {
@@ -173,7 +171,7 @@ TEST_P(StageContract, DebugSetterHoldsTheValueAndConfirmsIt) {
             EXPECT_EQ(record, expected);
             const std::string line =
                 stage.confirmHead + row.name + " is " + std::to_string(stored(stage, row, v)) + stage.confirmTail;
-            EXPECT_EQ(texts(log), std::vector<std::string>{line});
+            EXPECT_EQ(log.texts(), std::vector<std::string>{line});
             EXPECT_EQ(log.count(LogKind::Info), 1u);
         }
     }
@@ -232,11 +230,11 @@ TEST_P(StageContract, CalculationAndPrintLogTheirExactLines) {
     }
     LogCapture calc;
     ASSERT_EQ(stage.api.calculate(input.data(), payload.data()), 0);
-    EXPECT_EQ(texts(calc), stage.setLines);
+    EXPECT_EQ(calc.texts(), stage.setLines);
     const Bytes before = record;
     LogCapture print;
     ASSERT_EQ(stage.api.print(record.data()), 0);
-    EXPECT_EQ(texts(print), stage.printLines);
+    EXPECT_EQ(print.texts(), stage.printLines);
     EXPECT_EQ(record, before);
 }
 
