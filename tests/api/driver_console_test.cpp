@@ -119,21 +119,27 @@ protected:
     CFG_DSP_FusionV2722 original[FUSION_GAIN_STEPS];
 };
 
-// Every fusion command holds its value into its own field of the two records of the blend.
-TEST_F(DriverConsole, EachCommandSetsItsFieldInBothRecords) {
+// Every fusion command holds its value (below, above and inside its range) into
+// its own field of the two records of the blend, confirms the stored value as
+// %u and sends one flag.
+TEST_F(DriverConsole, EachCommandHoldsItsFieldInBothRecordsAndConfirms) {
     for (int row = 1; row <= 26; ++row) {
         const fusion_test::FieldModel& f = fusion_test::kFields[row - 1];
         ASSERT_STREQ(kMenu[row].name, f.name);
-        for (const char* text : {"1", "-99999"}) {
+        for (int32_t value : {f.hi + 1, INT32_MAX, f.lo - 1, INT32_MIN, f.lo + (f.hi - f.lo) / 2, f.lo, f.hi}) {
+            SCOPED_TRACE(std::string(f.name) + " = " + std::to_string(value));
             std::memcpy(records, original, sizeof(original));
+            log.clear();
             const size_t flagsBefore = flagsSent();
-            EXPECT_EQ(run({f.name, text}), 0);
-            const int32_t held = std::clamp(std::atoi(text), f.lo, f.hi);
-            EXPECT_EQ(fusion_test::readField(f, &records[kStart]), held) << f.name;
-            EXPECT_EQ(fusion_test::readField(f, &records[kEnd]), held) << f.name;
+            EXPECT_EQ(run({f.name, std::to_string(value).c_str()}), 0);
+            const int32_t held = std::clamp(value, f.lo, f.hi);
+            EXPECT_EQ(fusion_test::readField(f, &records[kStart]), held);
+            EXPECT_EQ(fusion_test::readField(f, &records[kEnd]), held);
             fusion_test::writeField(f, &records[kStart], fusion_test::readField(f, &original[kStart]));
             fusion_test::writeField(f, &records[kEnd], fusion_test::readField(f, &original[kEnd]));
-            EXPECT_EQ(std::memcmp(records, original, sizeof(original)), 0) << f.name;
+            EXPECT_EQ(std::memcmp(records, original, sizeof(original)), 0);
+            EXPECT_EQ(log.texts(), std::vector<std::string>{"[DSP_DRV] fusion " + std::string(f.name) + " is " +
+                                                             std::to_string(uint32_t(held)) + "\n"});
             EXPECT_EQ(flagsSent(), flagsBefore + 1);
         }
     }
