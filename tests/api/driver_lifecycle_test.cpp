@@ -269,32 +269,27 @@ TEST_F(DriverLifecycle, EverySlotRefusesAMissingTableOrInstance) {
     struct Case {
         const char* function;
         Slot call;
-        Int32 resultWithoutInstance;
-        const char* missingInstanceReporter;
+        Int32 resultWithoutInstance = -1;
+        const char* missingInstanceReporter = nullptr;  // null: the function itself
     };
     const Case cases[] = {
-        {"DRV_ispStartX", [](auto* s, auto* t) { return s->OpStart(t); }, -1, "DRV_ispStartX"},
-        {"DRV_ispStopX", [](auto* s, auto* t) { return s->OpStop(t); }, -1, "DRV_ispStopX"},
+        {"DRV_ispStartX", [](auto* s, auto* t) { return s->OpStart(t); }},
+        {"DRV_ispStopX", [](auto* s, auto* t) { return s->OpStop(t); }},
         // Reload's missing instance is reported by the flag function, and its result stays 0.
         {"DRV_ispReloadCfg", [](auto* s, auto* t) { return s->OpReloadCfg(t); }, 0, "DRV_ispControlModuleFlag"},
-        {"DRV_ispInterGainFlagsX", [](auto* s, auto* t) { return s->OpInterGainFlags(t); }, -1,
-         "DRV_ispInterGainFlagsX"},
-        {"DRV_ispDeleteX", [](auto* s, auto* t) { return s->OpDelete(t); }, -1, "DRV_ispDeleteX"},
-        {"DRV_ispSetModuleResultsX", [](auto* s, auto* t) { return s->OpSetModuleResults(t, &results); }, -1,
-         "DRV_ispSetModuleResultsX"},
-        {"DRV_ispSetRefPipeParamsX", [](auto* s, auto* t) { return s->OpSetRefPipeParams(t, &ref); }, -1,
-         "DRV_ispSetRefPipeParamsX"},
+        {"DRV_ispInterGainFlagsX", [](auto* s, auto* t) { return s->OpInterGainFlags(t); }},
+        {"DRV_ispDeleteX", [](auto* s, auto* t) { return s->OpDelete(t); }},
+        {"DRV_ispSetModuleResultsX", [](auto* s, auto* t) { return s->OpSetModuleResults(t, &results); }},
+        {"DRV_ispSetRefPipeParamsX", [](auto* s, auto* t) { return s->OpSetRefPipeParams(t, &ref); }},
         {"DRV_ispRefreshCfgX",
          [](auto* s, auto* t) {
              Int32 changed = 9;
              const Int32 r = s->OpRefreshCfg(t, &changed);
              EXPECT_EQ(changed, 9);
              return r;
-         },
-         -1, "DRV_ispRefreshCfgX"},
-        {"DRV_ispSetFusionParam", [](auto* s, auto* t) { return s->OpSetFusion(t); }, -1, "DRV_ispSetFusionParam"},
-        {"DRV_ispSetDbgDspParam", [](auto* s, auto* t) { return s->OpSetDbgDspParam(t, &cmd, 0); }, -1,
-         "DRV_ispSetDbgDspParam"},
+         }},
+        {"DRV_ispSetFusionParam", [](auto* s, auto* t) { return s->OpSetFusion(t); }},
+        {"DRV_ispSetDbgDspParam", [](auto* s, auto* t) { return s->OpSetDbgDspParam(t, &cmd, 0); }},
     };
     for (const Case& c : cases) {
         log.clear();
@@ -302,8 +297,8 @@ TEST_F(DriverLifecycle, EverySlotRefusesAMissingTableOrInstance) {
         EXPECT_TRUE(log.has(LogKind::Error, c.function, "Input NULL POINT ispOps!\n")) << c.function;
         log.clear();
         EXPECT_EQ(c.call(pipe.ops(), &empty), c.resultWithoutInstance) << c.function;
-        EXPECT_TRUE(log.has(LogKind::Error, c.missingInstanceReporter, "Input NULL POINT ispOps->ispXHndl!\n"))
-            << c.function;
+        EXPECT_TRUE(log.has(LogKind::Error, c.missingInstanceReporter ? c.missingInstanceReporter : c.function,
+                            "Input NULL POINT ispOps->ispXHndl!\n")) << c.function;
     }
     EXPECT_TRUE(pipe.flags.empty());
     EXPECT_TRUE(dsp.sets().empty());
