@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
@@ -98,11 +99,7 @@ public:
     Int32 moduleResults(DRV_ispModuleResults* results) { return ops_->OpSetModuleResults(ops_.get(), results); }
     Int32 refPipe(DRV_RefPipeParams* ref) { return ops_->OpSetRefPipeParams(ops_.get(), ref); }
     Int32 console(DRV_ispCmdParam* cmd, Int32 langue) { return ops_->OpSetDbgDspParam(ops_.get(), cmd, langue); }
-    Ptr xHndl() {
-        Ptr handle = nullptr;
-        EXPECT_EQ(ops_->OpGetXHndl(ops_.get(), &handle), 0);
-        return handle;
-    }
+    Ptr xHndl() { return ops_->ispXHndl; }  // the lookup slot itself: driver_lifecycle_test.cpp
     // Publishes module results whose only meaningful value is the standby switch.
     Int32 publishSwitch(Uint8 pSwitch) {
         DRV_ispModuleResults results;
@@ -114,8 +111,8 @@ public:
 private:
     static Int32 onFlag(const DRV_ispSetDrvFlagParam* param) {
         auto* pipe = static_cast<HostPipe*>(param->privData);
-        bool reservedZero = true;
-        for (Uint32 word : param->reserved) reservedZero = reservedZero && word == 0;
+        const bool reservedZero =
+            std::all_of(std::begin(param->reserved), std::end(param->reserved), [](Uint32 w) { return w == 0; });
         pipe->flags.push_back({param->privData, param->cmdType, param->flag, reservedZero});
         return 7;  // never looked at by the driver
     }
