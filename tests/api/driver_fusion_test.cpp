@@ -267,35 +267,28 @@ TEST_F(DriverFusion, CalibrationMessageOncePerProcessAndPlace) {
     EXPECT_EQ(colour.remove(), 0);
     EXPECT_EQ(mono.remove(), 0);
 
+    sandbox.remove(driver_test::registrationPath(1));
+    writeRegistration(2);
     for (int round = 0; round < 2; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
-        ispdsp_test::Sandbox place2;
-        place2.writeFile(driver_test::registrationPath(2), driver_test::registrationText({100, 200, 300}));
-        for (Uint32 pipe : {kColourPipe, kMonoPipe})
-            place2.writeFile(driver_test::pipeParamFile(pipe), ParamFileBuilder().addTable(PARAM_MULTICOLOR).build());
-        HostPipe c(kColourPipe), m(kMonoPipe);
-        ASSERT_EQ(c.createPipe(), 0);
-        ASSERT_EQ(m.createPipe(), 0);
-        ASSERT_EQ(c.instance()->registerFlag, 2);
-        driver_test::linkPipes(c, m);
-        ASSERT_EQ(c.refresh(nullptr), 0);
-        ASSERT_EQ(m.refresh(nullptr), 0);
+        startPair();
+        ASSERT_EQ(colour.instance()->registerFlag, 2);
         size_t calMessages = 0;
         for (int frame = 0; frame < 5; ++frame) {
             dsp.clearCalls();
-            m.fusion();  // the mono pipe goes first this time
+            mono.fusion();  // the mono pipe goes first this time
             const auto monoCal = dsp.setsOfType(DSP_AEW_CFG_TYPE_CAL);
             if (!monoCal.empty()) {
                 EXPECT_EQ(frame, 0);
                 EXPECT_EQ(monoCal[0].calPath, "/var/calibration.txt");  // the message layout: dsp_message_test.cpp
             }
-            c.fusion();
+            colour.fusion();
             calMessages += dsp.setsOfType(DSP_AEW_CFG_TYPE_CAL).size();
         }
         // Round 0 changes the place from 1 to 2; round 1 finds 2 already sent.
         EXPECT_EQ(calMessages, round == 0 ? 1u : 0u);
-        EXPECT_EQ(c.remove(), 0);
-        EXPECT_EQ(m.remove(), 0);
+        EXPECT_EQ(colour.remove(), 0);
+        EXPECT_EQ(mono.remove(), 0);
     }
 }
 
