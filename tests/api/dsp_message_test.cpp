@@ -173,76 +173,59 @@ struct FusionRecord {
     }
 };
 
-// The output switch message maps the switch to an output mode; the fusion message carries it unmapped.
-TEST(FusionSwitch, FsSwitchSendsTheOutputModeWithIdZeroAndFusionTheRawSwitch) {
+// The output switch message maps the switch to an output mode; the fusion
+// message carries it unmapped, with the whole 2.7.22 block, version 0.
+TEST(FusionMessages, FsSwitchSendsTheOutputModeAndFusionTheRawSwitchAndBlock) {
     const std::pair<UINT32, Uint32> cases[] = {{0, DSP_OUTPUT_VIS}, {1, DSP_OUTPUT_FUSE}, {2, DSP_OUTPUT_NIR_CAL},
                                                {3, DSP_OUTPUT_FUSE_INVALID}, {7, DSP_OUTPUT_FUSE_INVALID},
                                                {0xFFFFFFFFu, DSP_OUTPUT_FUSE_INVALID}};
     for (const auto& [fusionSwitch, outputMode] : cases) {
         DspCapture dsp;
+        dsp.followAddresses(true);
         DRV_dspIspHandle handle = dsp.handle(kHandleId);
         FusionRecord fusion(fusionSwitch);
         ASSERT_EQ(DRV_dspOpSetFSSWITCH(&fusion.record, &handle), 0);
         ASSERT_EQ(DRV_dspOpSetFusion(&fusion.record, &handle), 0);
-        const DspCall& sent = dsp.sets().at(0);
-        EXPECT_EQ(sent.word(8), outputMode) << fusionSwitch;
-        EXPECT_EQ(sent.firstNonZeroExcept({{8, 12}}), std::nullopt);
-        EXPECT_EQ(dsp.sets().at(1).word(8), fusionSwitch);
+        EXPECT_EQ(dsp.sets().at(0).word(8), outputMode) << fusionSwitch;
+        EXPECT_EQ(dsp.sets().at(0).firstNonZeroExcept({{8, 12}}), std::nullopt);
+        const DspCall& sent = dsp.sets().at(1);  // type and id: SetRules
+        EXPECT_EQ(sent.word(8), fusionSwitch);
+        EXPECT_EQ(std::memcmp(sent.bytes().data() + 72, &fusion.record.fusionParam, 64), 0);
+        void* curveAddress = nullptr;
+        std::memcpy(&curveAddress, sent.bytes().data() + 112, sizeof curveAddress);
+        EXPECT_EQ(curveAddress, fusion.curve.data());
+        EXPECT_EQ(sent.message.dspArgs.stFusionArgs.version, 0);
+        EXPECT_EQ(sent.word(4160), 0u);
+        EXPECT_EQ(sent.firstNonZeroExcept({{8, 12}, {72, 136}}), std::nullopt);  // 136..4167 are 0
+        EXPECT_TRUE(std::equal(sent.curve.begin(), sent.curve.end(), fusion.curve.begin(), fusion.curve.end()));
     }
 }
 
-TEST(FusionMessage, CarriesTheWhole2722BlockWithVersionZero) {
-    DspCapture dsp;
-    dsp.followAddresses(true);
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    FusionRecord fusion(1);
-
-    ASSERT_EQ(DRV_dspOpSetFusion(&fusion.record, &handle), 0);
-    const DspCall& sent = dsp.sets().at(0);  // type and id: SetRules
-    EXPECT_EQ(std::memcmp(sent.bytes().data() + 72, &fusion.record.fusionParam, 64), 0);
-    void* curveAddress = nullptr;
-    std::memcpy(&curveAddress, sent.bytes().data() + 112, sizeof curveAddress);
-    EXPECT_EQ(curveAddress, fusion.curve.data());
-    EXPECT_EQ(sent.message.dspArgs.stFusionArgs.version, 0);
-    EXPECT_EQ(sent.word(4160), 0u);
-    EXPECT_EQ(sent.firstNonZeroExcept({{8, 12}, {72, 136}}), std::nullopt);  // 136..4167 are 0
-    ASSERT_EQ(sent.curve.size(), fusion.curve.size());
-    EXPECT_TRUE(std::equal(sent.curve.begin(), sent.curve.end(), fusion.curve.begin()));
-}
-
-// The zoom index goes out as its low 16 bits with id 0; the callback's result is ignored.
-TEST(IrMessage, SendsTheLow16BitsWithIdZero) {
+// IR sends the zoom index's low 16 bits, CAL the address of the path at 88:
+// nothing else in either, and the callback's result is ignored.
+TEST(IrCalMessages, IrSendsTheLow16BitsAndCalThePathAddress) {
     for (const auto& [zoomIndex, sent16] : {std::pair<Int32, Uint16>{0, 0}, {3, 3}, {65537, 1}, {-1, 65535},
                                             {0x12345678, 0x5678}}) {
         DspCapture dsp;
+        dsp.followAddresses(true);
         DRV_dspIspHandle handle = dsp.handle(kHandleId);
         DSP_IrParam ir;
         std::memset(&ir, 0x7E, sizeof ir);
         ir.zoomIndex = zoomIndex;
+        std::strcpy(ir.cfg_path, "/var/tmp/calibration.txt");
         dsp.setSetResult(-9);
         ASSERT_EQ(DRV_dspOpSetIr(&ir, &handle), 0);
+        ASSERT_EQ(DRV_dspOpSetCal(&ir, &handle), 0);
         const DspCall& sent = dsp.sets().at(0);
         EXPECT_EQ(sent.message.dspArgs.irCalPramArgs.irParam.zoomIndex, sent16);
         EXPECT_EQ(sent.firstNonZeroExcept({{72, 74}}), std::nullopt);
+        const DspCall& cal = dsp.sets().at(1);
+        char* address = nullptr;
+        std::memcpy(&address, cal.bytes().data() + 88, sizeof address);
+        EXPECT_EQ(address, ir.cfg_path);
+        EXPECT_EQ(cal.calPath, "/var/tmp/calibration.txt");
+        EXPECT_EQ(cal.firstNonZeroExcept({{88, 96}}), std::nullopt);
     }
-}
-
-TEST(CalMessage, CarriesTheAddressOfThePathAt88AndNothingElse) {
-    DspCapture dsp;
-    dsp.followAddresses(true);
-    DRV_dspIspHandle handle = dsp.handle(kHandleId);
-    DSP_IrParam ir;
-    std::memset(&ir, 0, sizeof ir);
-    ir.zoomIndex = 4;
-    std::strcpy(ir.cfg_path, "/var/tmp/calibration.txt");
-
-    ASSERT_EQ(DRV_dspOpSetCal(&ir, &handle), 0);
-    const DspCall& sent = dsp.sets().at(0);
-    char* address = nullptr;
-    std::memcpy(&address, sent.bytes().data() + 88, sizeof address);
-    EXPECT_EQ(address, ir.cfg_path);
-    EXPECT_EQ(sent.calPath, "/var/tmp/calibration.txt");
-    EXPECT_EQ(sent.firstNonZeroExcept({{88, 96}}), std::nullopt);
 }
 
 // ---- Fusion read-back ----
