@@ -3,50 +3,24 @@
 // output captured.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-#include <sys/wait.h>
-
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <sstream>
-#include <string>
 #include <vector>
 
 #include "param_file_image.h"
+#include "tool_run.h"
 
 namespace ispcfg_test {
 
-// A fresh folder under the system temp dir, removed with everything in it.
-class TempDir {
-public:
-    TempDir() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "ispdsp-cfg-test-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
-        dir_ = pattern;
-    }
-    ~TempDir() { std::filesystem::remove_all(dir_, ec_); }
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
-    std::string path(const std::string& name) const { return (dir_ / name).string(); }
-
-private:
-    std::filesystem::path dir_;
-    std::error_code ec_;
-};
+using tooltest::RunResult;
+using tooltest::TempDir;
 
 inline void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
     std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()),
                                                 static_cast<std::streamsize>(bytes.size()));
 }
 inline void writeText(const std::string& path, const std::string& text) { writeBytes(path, {text.begin(), text.end()}); }
-inline std::string readText(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    EXPECT_TRUE(in.good()) << path;
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+inline std::string readText(const std::string& path) { return tooltest::readFile(path); }
 inline std::vector<uint8_t> readBytes(const std::string& path) {
     const std::string text = readText(path);
     return {text.begin(), text.end()};
@@ -86,25 +60,15 @@ inline void setField(ispcfg::TableEntry& table, const std::string& record, int s
     ADD_FAILURE() << "no field " << record << "." << name;
 }
 
-struct RunResult {
-    int status;
-    std::string out, err;
-};
 // Runs one command function with captured streams.
 inline RunResult run(const std::function<int(std::ostream&, std::ostream&)>& command) {
     std::ostringstream out, err;
     const int status = command(out, err);
     return {status, out.str(), err.str()};
 }
-// Runs the built ispdsp-cfg through the shell with `args`; standard output goes to `stdoutTo`
-// when given (e.g. /dev/full), else it is captured.
+// Runs the built ispdsp-cfg with `args`; standard output goes to `stdoutTo` when given.
 inline RunResult runExe(const std::string& args, const std::string& stdoutTo = "") {
-    const TempDir dir;
-    const std::string out = stdoutTo.empty() ? dir.path("out") : stdoutTo;
-    const int status =
-        std::system((std::string(ISPDSP_CFG_EXE) + " " + args + " >" + out + " 2>" + dir.path("err")).c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, stdoutTo.empty() ? readText(out) : "",
-            readText(dir.path("err"))};
+    return tooltest::runShell(std::string(ISPDSP_CFG_EXE) + " " + args, "", stdoutTo);
 }
 
 }  // namespace ispcfg_test

