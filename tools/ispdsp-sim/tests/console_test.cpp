@@ -33,13 +33,14 @@ std::vector<int> consoleResults(const std::vector<Json>& events) {
     return out;
 }
 
-TEST(Console, EpDeltaChangesTheNextFramesFusionMessage) {
+TEST(Console, EpDeltaAndNirCurveChangeTheNextFramesFusionMessage) {
     // The FUSION message carries |colour - mono|. Setting the colour pipe's ep_delta to its
     // lower and then its upper bound gives M - 1 and 16383 - M for the mono pipe's unchanged
-    // value M: their sum is 16382 whatever M is.
-    const std::vector<Json> events = runConsole("ep_delta 1\naewDebug ep_delta 16383\nquit\n");
+    // value M: their sum is 16382 whatever M is. Then w_nir 0 loads the curve of nir.txt
+    // (30 .. 215) into the colour pipe: the combined curve of the next frame changes.
+    const std::vector<Json> events = runConsole("ep_delta 1\naewDebug ep_delta 16383\nw_nir 0\nquit\n");
     const auto frames = simtest::eventsOf(events, "frame");
-    ASSERT_EQ(frames.size(), 5u);  // three scenario frames, one per command
+    ASSERT_EQ(frames.size(), 6u);  // three scenario frames, one per command
     EXPECT_EQ(frames[3]["source"], "console");
     EXPECT_EQ(frames[3]["inputs"], frames[2]["inputs"]);  // the last state holds
     Json before = fusionOf(events, 2)["fields"], low = fusionOf(events, 3)["fields"];
@@ -48,18 +49,9 @@ TEST(Console, EpDeltaChangesTheNextFramesFusionMessage) {
     before.erase("ep_delta");
     low.erase("ep_delta");
     EXPECT_EQ(before, low);  // only ep_delta moved
-    EXPECT_EQ(consoleResults(events), (std::vector<int>{0, 0}));
-    EXPECT_EQ(events.back()["consoleChanges"], 2);  // one flag request per accepted change
-}
-
-TEST(Console, NirCurveFromTheSampleFileReachesOnlyThatPipesCurve) {
-    // The mono pipe's own curve now comes from nir.txt (30 .. 215), far from the colour pipe's;
-    // the colour pipe combines before the mono pipe has calculated that frame.
-    const std::vector<Json> events = runConsole("w_nir 0\n", {"--pipe", "mono"});
-    EXPECT_EQ(consoleResults(events), std::vector<int>{0});
-    EXPECT_GT(fusionOf(events, 3, "mono")["w_nir"]["max"].get<int>(),
-              fusionOf(events, 2, "mono")["w_nir"]["max"].get<int>());
-    EXPECT_EQ(fusionOf(events, 3, "color")["w_nir"], fusionOf(events, 2, "color")["w_nir"]);
+    EXPECT_NE(fusionOf(events, 5)["w_nir"], fusionOf(events, 4)["w_nir"]);
+    EXPECT_EQ(consoleResults(events), (std::vector<int>{0, 0, 0}));
+    EXPECT_EQ(events.back()["consoleChanges"], 3);  // one flag request per accepted change
 }
 
 TEST(Console, UnknownCommandPrintsTheChineseMenuAndExitEndsTheSession) {

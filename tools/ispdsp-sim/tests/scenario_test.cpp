@@ -36,24 +36,13 @@ int outputMode(int pSwitch) { return pSwitch == 0 ? 3 : pSwitch == 1 ? 1 : pSwit
 
 int fieldOf(const Json& message, const char* field) { return message["fields"][field]; }
 
-TEST(GainSweep, SixteenStepsThroughTheGainRecords) {
+TEST(GainSweep, BothPipesCombineTheSameDifferenceAndMarkItsRange) {
     const std::vector<Json> events = runScenario("gain_sweep");
     ASSERT_EQ(eventsOf(events, "frame").size(), 16u);
-    for (const Json& frame : eventsOf(events, "frame")) {
-        const Json &color = frame["inputs"]["color"], &mono = frame["inputs"]["mono"];
-        EXPECT_EQ(color["gainStartIndex"], frame["frame"]);
-        EXPECT_EQ(std::make_pair(mono["gainStartIndex"], mono["interCoff"]), std::make_pair(Json(6), Json(0.5)));
-    }
-    // Every frame, both pipes: one switch message and one fusion message.
+    // Every frame, both pipes: one switch message and one fusion message. (The switch's output
+    // mode is checked by the day/night test, the zoom band by the zoom sweep.)
     EXPECT_EQ(messagesOf(events, "FUSION").size(), 32u);
-    ASSERT_EQ(messagesOf(events, "FSSWITCH").size(), 32u);
-    for (const Json& m : messagesOf(events, "FSSWITCH")) EXPECT_EQ(fieldOf(m, "fcswitch"), outputMode(1));
-    // Zoom 1000 is the first calibrated position: one IR (band 0) and one CAL message in the run.
-    const auto ir = messagesOf(events, "IR"), cal = messagesOf(events, "CAL");
-    ASSERT_EQ(ir.size() + cal.size(), 2u);
-    EXPECT_EQ(fieldOf(ir.at(0), "zoomIndex"), 0);
-    EXPECT_EQ(cal.at(0)["cfg_path_text"], "/var/tmp/calibration.txt");
-    EXPECT_EQ(cal.at(0)["frame"], 0);
+    EXPECT_EQ(messagesOf(events, "FSSWITCH").size(), 32u);
     // Frame 0: the mono pipe has not calculated when the colour pipe combines, so the colour
     // call fails; from then on both calls succeed.
     for (const Json& call : eventsOf(events, "call"))
