@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "input_file.h"
+#include "json_syntax_error.h"
 #include "ispdsp/fusion.h"
 
 namespace ispsim {
@@ -218,22 +219,6 @@ std::string frameRange(int64_t first, int64_t count) {
                       : "frames " + std::to_string(first) + "-" + std::to_string(first + count - 1);
 }
 
-// Line and column of the 1-based byte position that nlohmann reports.
-std::pair<size_t, size_t> lineAndColumn(const std::string& text, size_t byte) {
-    size_t line = 1;
-    size_t column = 1;
-    const size_t end = std::min(byte == 0 ? 0 : byte - 1, text.size());
-    for (size_t i = 0; i < end; ++i) {
-        if (text[i] == '\n') {
-            ++line;
-            column = 1;
-        } else {
-            ++column;
-        }
-    }
-    return {line, column};
-}
-
 std::string baseName(const std::string& path) {
     const size_t slash = path.find_last_of('/');
     return slash == std::string::npos ? path : path.substr(slash + 1);
@@ -245,11 +230,9 @@ json readDocument(const std::string& text, const std::string& displayName) {
         // Comments are allowed so bundled scenarios can explain themselves.
         return json::parse(text, nullptr, true, /*ignore_comments=*/true);
     } catch (const json::parse_error& e) {
-        const auto [line, column] = lineAndColumn(text, e.byte);
-        std::string what = e.what();
-        // Keep nlohmann's explanation, without its own "[json.exception...] parse error at ..." head.
-        if (const size_t colon = what.find(": "); colon != std::string::npos) what = what.substr(colon + 2);
-        throw ScenarioError(displayName + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + what);
+        const auto where = ispdsp::tools::describeJsonSyntaxError(text, e.byte, e.what());
+        throw ScenarioError(displayName + ":" + std::to_string(where.line) + ":" + std::to_string(where.column) + ": " +
+                            where.reason);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "fusion_codec.h"
+#include "json_syntax_error.h"
 #include "header_codec.h"
 #include "stage_codec.h"
 #include "type_names.h"
@@ -176,21 +177,9 @@ std::optional<Json> parseJsonText(const std::string& text, Diagnostics& diag) {
         DuplicateKeyFinder duplicates(diag);
         return Json::parse(text, std::ref(duplicates), /*allow_exceptions=*/true, /*ignore_comments=*/true);
     } catch (const Json::parse_error& e) {
-        // Line and column of the byte where parsing stopped.
-        size_t line = 1, column = 1;
-        const size_t end = std::min(text.size(), e.byte == 0 ? size_t{0} : e.byte - 1);
-        for (size_t i = 0; i < end; ++i) {
-            if (text[i] == '\n') {
-                ++line;
-                column = 1;
-            } else {
-                ++column;
-            }
-        }
-        std::string what = e.what();
-        // Keep nlohmann's explanation, without its exception id and position prefix.
-        if (const size_t colon = what.find(": "); colon != std::string::npos) what = what.substr(colon + 2);
-        diag.error("line " + std::to_string(line) + ", column " + std::to_string(column), "JSON syntax error: " + what);
+        const auto where = ispdsp::tools::describeJsonSyntaxError(text, e.byte, e.what());
+        diag.error("line " + std::to_string(where.line) + ", column " + std::to_string(where.column),
+                   "JSON syntax error: " + where.reason);
         return std::nullopt;
     }
 }
