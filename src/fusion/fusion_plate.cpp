@@ -2,12 +2,13 @@
 #include <algorithm>
 
 #include "common/log.h"
+#include "fusion/fusion_plate_rules.h"
 #include "ispdsp/fusion.h"
 
 namespace {
 
-constexpr Int32 kFuseWeightMin = 1;
-constexpr Int32 kFuseWeightMax = 100;
+using ispdsp::fusion_plate::kFuseWeightMax;
+using ispdsp::fusion_plate::kFuseWeightMin;
 
 // Upper bound first, then lower bound.
 constexpr Int32 clampFuseWeight(Int32 value) {

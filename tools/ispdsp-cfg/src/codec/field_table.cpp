@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "fusion/fusion_fields.h"
+#include "fusion/fusion_plate_rules.h"
 #include "ispdsp/param_table.h"
 #include "stages/dlae_rules.h"
 #include "stages/dlcfa_rules.h"
@@ -61,7 +62,7 @@ struct Layout {
 };
 
 // A stage record in the table and the rules its calculation follows. The fusion plate has no
-// rule table in the driver: its weight is held to 1..100 by the plate calculation itself.
+// rule table (its one field is the weight; see fusion/fusion_plate_rules.h).
 struct StageRecord {
     const char* record;
     uint16_t offset;
@@ -186,11 +187,10 @@ const Layout kStageLayout[] = {
 };
 // clang-format on
 
-constexpr int64_t kFuseWeightLow = 1, kFuseWeightHigh = 100;  // see StageRecord
-
 // The range the stage's calculation lets through for the field at `offset` in its record.
 std::pair<int64_t, int64_t> rangeOf(const StageRecord& record, const Layout& field) {
-    if (record.rules == nullptr) return {kFuseWeightLow, kFuseWeightHigh};
+    if (record.rules == nullptr)
+        return {ispdsp::fusion_plate::kFuseWeightMin, ispdsp::fusion_plate::kFuseWeightMax};
     const size_t at = field.offset - record.offset;  // the calculation input starts with the record
     for (const ispdsp::stages::CalcStep& step : record.rules->calc) {
         if (step.from.offset != at) continue;
