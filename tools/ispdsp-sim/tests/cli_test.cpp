@@ -100,9 +100,12 @@ TEST(Signals, HangUpRemovesTheSandbox) {
     simtest::TempDir tmp;
     const std::string script =
         tmp.write("hup.sh",
-                  "export TMPDIR=\"$1\"; sleep 20 | \"$2\" --console --frames 1 >/dev/null 2>&1 &\n"
-                  "sim=$!; for i in $(seq 100); do ls \"$1\" | grep -q ispdsp-sim- && break; sleep 0.1; done\n"
-                  "sleep 0.5; kill -HUP $sim; wait $sim; echo $? >\"$1/status\"; rm \"$1/hup.sh\"\n");
+                  // The console waits on a FIFO that the script holds open, so the simulator is
+                  // the script's own child and the signal, not the end of its input, stops it.
+                  "export TMPDIR=\"$1\"; mkfifo \"$1/in\"\n"
+                  "\"$2\" --console --frames 1 <\"$1/in\" >/dev/null 2>&1 & sim=$!; exec 3>\"$1/in\"\n"
+                  "for i in $(seq 100); do ls \"$1\" | grep -q ispdsp-sim- && break; sleep 0.1; done\n"
+                  "sleep 0.5; kill -HUP $sim; wait $sim; echo $? >\"$1/status\"; exec 3>&-; rm \"$1/in\" \"$1/hup.sh\"\n");
     ASSERT_EQ(std::system(("bash '" + script + "' '" + tmp.path("") + "' '" + ISPDSP_SIM_EXE + "'").c_str()), 0);
     EXPECT_EQ(simtest::readFile(tmp.path("status")), "130\n");
     std::filesystem::remove(tmp.path("status"));
