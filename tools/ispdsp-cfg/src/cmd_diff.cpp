@@ -4,17 +4,12 @@
 
 #include "commands.h"
 #include "header_codec.h"
+#include "hex_text.h"
 #include "param_file_image.h"
 #include "type_names.h"
 
 namespace ispcfg {
 namespace {
-
-std::string hexByte(uint8_t b) {
-    char text[8];
-    std::snprintf(text, sizeof text, "0x%02X", b);
-    return text;
-}
 
 // Tables are paired by type and, for a repeated type, by occurrence.
 using TableKey = std::pair<int32_t, int>;
@@ -61,8 +56,8 @@ void diffTable(const std::string& label, const TableEntry& a, const TableEntry& 
     const auto& padding = paddingMask();
     for (size_t i = 0; i < kTableBytes; ++i) {
         if (padding[i] && a.bytes[i] != b.bytes[i]) {
-            out.push_back(label + " padding byte at table offset " + std::to_string(i) + ": " + hexByte(a.bytes[i]) +
-                          " -> " + hexByte(b.bytes[i]));
+            out.push_back(label + " padding byte at table offset " + std::to_string(i) + ": " + ispdsp::tools::hexText(a.bytes[i], 2) +
+                          " -> " + ispdsp::tools::hexText(b.bytes[i], 2));
         }
     }
 }

@@ -5,16 +5,11 @@
 #include <map>
 
 #include "header_codec.h"
+#include "hex_text.h"
 #include "type_names.h"
 
 namespace ispcfg {
 namespace {
-
-std::string hex32(uint32_t v) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%08X", v);
-    return text;
-}
 
 std::string rangeFinding(const std::string& table, const FieldDef& f, int step, int64_t v) {
     return table + " " + fieldPath(f, step) + " = " + std::to_string(v) + " (DSP range " + std::to_string(f.dspLow) +
@@ -81,8 +76,8 @@ Findings structureFindings(const ParsedFile& f) {
     if (!f.checksumPresent) {
         out.push_back({FindingKind::Checksum, "checksum word missing (the file ends inside the block)"});
     } else if (f.storedChecksum != f.computedChecksum) {
-        out.push_back({FindingKind::Checksum, "checksum " + hex32(static_cast<uint32_t>(f.storedChecksum)) +
-                                                  " stored, " + hex32(static_cast<uint32_t>(f.computedChecksum)) +
+        out.push_back({FindingKind::Checksum, "checksum " + ispdsp::tools::hexText(static_cast<uint32_t>(f.storedChecksum), 8) +
+                                                  " stored, " + ispdsp::tools::hexText(static_cast<uint32_t>(f.computedChecksum), 8) +
                                                   " computed (the driver rejects the file)"});
     }
     return out;
@@ -136,10 +131,8 @@ Findings tableFindings(const std::vector<TableEntry>& entries) {
         const auto& padding = paddingMask();
         for (size_t b = 0; b < kTableBytes; ++b) {
             if (padding[b] && t[b] != 0) {
-                char text[8];
-                std::snprintf(text, sizeof text, "0x%02X", t[b]);
                 out.push_back({FindingKind::Padding, labels[i] + " padding byte at table offset " + std::to_string(b) +
-                                                         " = " + text + " (never read; dump and build write 0)"});
+                                                         " = " + ispdsp::tools::hexText(t[b], 2) + " (never read; dump and build write 0)"});
             }
         }
     }

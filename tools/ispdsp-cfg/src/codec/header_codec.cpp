@@ -1,4 +1,5 @@
 #include "header_codec.h"
+#include "hex_text.h"
 
 #include <charconv>
 #include <cmath>
@@ -75,9 +76,7 @@ OrderedJson encodeText(const TextField& f) {
 OrderedJson encodeFloat(uint32_t bits) {
     const float v = floatFromBits(bits);
     if (!std::isfinite(v)) {
-        char text[16];
-        std::snprintf(text, sizeof text, "0x%08X", bits);
-        return OrderedJson{{"bits", text}};
+        return OrderedJson{{"bits", ispdsp::tools::hexText(bits, 8)}};
     }
     char text[64];
     const auto result = std::to_chars(text, text + sizeof text, v);
