@@ -18,7 +18,7 @@
 #                             folder, removed unless a step failed)
 #
 # Also runs the example of docs/integration.md as written there (its commands,
-# CMakeLists.txt and consumer.c, the listings being those of tests/package).
+# CMakeLists.txt and consumer.c, the listings being those of examples/consumer).
 # Prints one line per step and a last summary line; exits non-zero on failure.
 set -uo pipefail
 
@@ -88,13 +88,13 @@ doc_block() {
 example=$work/example
 mkdir -p "$example"
 for listing in CMakeLists.txt consumer.c; do
-    doc_block "<!-- tests/package/$listing:" >"$example/$listing"
-    cmp -s "$example/$listing" "$root/tests/package/$listing" ||
-        fail docs "the $listing listing in docs/integration.md differs from tests/package/$listing"
+    doc_block "<!-- examples/consumer/$listing:" >"$example/$listing"
+    cmp -s "$example/$listing" "$root/examples/consumer/$listing" ||
+        fail docs "the $listing listing in docs/integration.md differs from examples/consumer/$listing"
 done
 doc_block "<!-- example commands:" >"$example/commands.sh"
 grep -q '^prefix=/opt/ispdsp ' "$example/commands.sh" || fail docs "the example commands in docs/integration.md set no prefix=/opt/ispdsp"
-ok docs "listings = tests/package/CMakeLists.txt, consumer.c"
+ok docs "listings = examples/consumer/CMakeLists.txt, consumer.c"
 
 # ---- 1. Install into a temporary prefix ----
 
@@ -142,7 +142,7 @@ run_consumer() {
 # build_with_cmake STEP PREFIX_PATH
 build_with_cmake() {
     local dir=$work/$1.build
-    run "$work/$1.log" cmake -S "$root/tests/package" -B "$dir" -DCMAKE_BUILD_TYPE=Release \
+    run "$work/$1.log" cmake -S "$root/examples/consumer" -B "$dir" -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_PREFIX_PATH="$2" || fail "$1" "configuring the consumer failed" "$work/$1.log"
     run "$work/$1.log" cmake --build "$dir" || fail "$1" "building the consumer failed" "$work/$1.log"
     run_consumer "$1" "$dir/consumer"
@@ -157,7 +157,7 @@ build_with_pkgconfig() {
     local pc_libdir
     pc_libdir=$(pkg-config --variable=libdir ispdsp)
     # shellcheck disable=SC2086 # the flags are words
-    run "$work/$1.log" cc -std=c11 -pedantic -Wall -Wextra -Werror "$root/tests/package/consumer.c" \
+    run "$work/$1.log" cc -std=c11 -pedantic -Wall -Wextra -Werror "$root/examples/consumer/consumer.c" \
         $flags -Wl,-rpath,"$pc_libdir" -o "$2" || fail "$1" "cc \$(pkg-config ...) failed" "$work/$1.log"
     run_consumer "$1" "$2"
 }
