@@ -19,6 +19,8 @@
 
 #include "api/driver_host.h"
 #include "ispdsp/ispdsp.h"
+#include "support/nir_curve_text.h"
+#include "support/stage_outputs.h"
 
 namespace {
 
@@ -58,23 +60,10 @@ void runThreads(Body body, int threads = kThreads) {
     for (std::thread& thread : pool) thread.join();
 }
 
-// Everything one thread computes from its table: the twelve stage payloads, a
-// fusion blend at two gains with their combination, and the tuned table.
+// Everything one thread computes from its table: every calculation (a fusion
+// blend at two gains and their combination included) and the tuned table.
 struct Outputs {
-    DSP_DlaeV101 dlae;
-    DSP_DlcfaV101 dlcfa;
-    DSP_Fg2cV102 fg2c;
-    DSP_LleV203 lle;
-    DSP_LsmV112 lsm;
-    DSP_SadeV113 sade;
-    DSP_Sbm3dV113 sbm3d;
-    DSP_Yuv2yuvV100 yuv2yuv;
-    DSP_LaeV209 lae;
-    DSP_Y2dV5118 y2d;
-    DSP_YlwdrV102 ylwdr;
-    DSP_FusionPlateV1001 fusionPlate;
-    DSP_FusionV2722 fusion[3];  // colour, mono, both; their curves point into `curves`
-    Uint8 curves[3][FUSION_NIR_POINTS];
+    ispdsp_test::StageOutputs calculated;
     CFG_DspIspCfgParam tuned;
     Int32 failures;
 };
@@ -82,62 +71,38 @@ struct Outputs {
 // Calculations and debug setters/prints, compared bytewise except the curve pointers.
 void compute(const CFG_DspIspCfgParam& table, int index, Outputs& out) {
     std::memset(&out, 0, sizeof out);
-#define CALC(Name, field, member)                                 \
-    {                                                             \
-        DSP_##Name##CalculateParam in;                            \
-        std::memset(&in, 0, sizeof in);                           \
-        std::memcpy(&in.field##Param, &table.member, sizeof in.field##Param); \
-        out.failures += DRV_dspCalculate##Name(&in, &out.field) != 0; \
-    }
-    CALC(Dlae, dlae, ispDlaeParam) CALC(Dlcfa, dlcfa, ispDlcfaParam) CALC(Fg2c, fg2c, ispFg2cParam)
-    CALC(Lle, lle, ispLleParam) CALC(Lsm, lsm, ispLsmParam) CALC(Sade, sade, ispSadeParam)
-    CALC(Sbm3d, sbm3d, ispSbm3dParam) CALC(Yuv2yuv, yuv2yuv, ispYuv2yuvParam) CALC(Lae, lae, ispLaeParam)
-    CALC(Y2d, y2d, ispY2dParam) CALC(Ylwdr, ylwdr, ispYlwdrParam) CALC(FusionPlate, fusionPlate, ispFusionPlateParam)
-#undef CALC
-    auto in = std::make_unique<DSP_FusionCalculateParam>();
-    std::memset(in.get(), 0, sizeof *in);
-    std::memcpy(in->fusionParam, table.ispFusionParam, sizeof in->fusionParam);
-    DRV_gainInterParam gain{};
-    gain.gainStartIndex = index % 15;
-    gain.gainEndIndex = index % 15 + 1;
-    gain.interCoff = 0.25f * static_cast<float>(index % 4);
-    in->gainInterParam = &gain;
-    in->pSwitch = 2;
-    for (int k = 0; k < 3; ++k) out.fusion[k].fusionParam.w_nir = out.curves[k];
-    out.failures += DRV_dspCalculateFusion(in.get(), &out.fusion[0]) != 0;
-    gain.gainStartIndex = 15 - index % 15;
-    gain.gainEndIndex = 14 - index % 15;
-    out.failures += DRV_dspCalculateFusion(in.get(), &out.fusion[1]) != 0;
-    DSP_DoubleFusionCalculateParam pair{0, &out.fusion[0], &out.fusion[1]};
-    out.failures += DRV_dspDoubleCalculateFusion(&pair, &out.fusion[2]) != 0;
-
+    const DRV_gainInterParam colour = ispdsp_test::gainBetween(index % 15, index % 15 + 1, 0.25f * (index % 4));
+    DRV_gainInterParam mono = ispdsp_test::gainBetween(15 - index % 15, 14 - index % 15, 0.25f * (index % 4));
+    ispdsp_test::calculateStages(table, colour, mono, 2, out.calculated);
+    out.failures = out.calculated.stageFailures + out.calculated.fusionFailures;
     CFG_DspIspCfgParam& t = out.tuned;
     std::memcpy(&t, &table, sizeof t);
-    for (Int32 id = 0; id < 26; ++id) out.failures += DRV_dspdbgFusion(t.ispFusionParam, &gain, id, index * 10 + id) != 0;
-    const Int32 rc = DRV_dspdbgFusionPrint(t.ispFusionParam, &gain) | DRV_dspdbgDlae(&t.ispDlaeParam, 0, 40 + index) |
+    for (Int32 id = 0; id < 26; ++id) out.failures += DRV_dspdbgFusion(t.ispFusionParam, &mono, id, index * 10 + id) != 0;
+    const Int32 rc = DRV_dspdbgFusionPrint(t.ispFusionParam, &mono) | DRV_dspdbgDlae(&t.ispDlaeParam, 0, 40 + index) |
                      DRV_dspdbgDlaePrint(&t.ispDlaeParam) | DRV_dspdbgLae(&t.ispLaeParam, 1, index) |
                      DRV_dspdbgLaePrint(&t.ispLaeParam) | DRV_dspdbgYlwdr(&t.ispYlwdrParam, 2, 7 * index) |
                      DRV_dspdbgYlwdrPrint(&t.ispYlwdrParam) | DRV_dspdbgFusionPlate(&t.ispFusionPlateParam, 0, 3 * index) |
                      DRV_dspdbgFusionPlatePrint(&t.ispFusionPlateParam) |
-                     DRV_dspdbgFusionNir(t.ispFusionParam, &gain, 0, 0);  // every thread reads /tmp/nir.txt
+                     DRV_dspdbgFusionNir(t.ispFusionParam, &mono, 0, 0);  // every thread reads /tmp/nir.txt
     out.failures += rc != 0;
 }
 
 bool sameOutputs(const Outputs& a, const Outputs& b) {
-    return std::memcmp(&a, &b, offsetof(Outputs, fusion)) == 0 && std::memcmp(a.curves, b.curves, sizeof a.curves) == 0 &&
-           std::memcmp(&a.tuned, &b.tuned, sizeof a.tuned) == 0 && a.failures == 0 && b.failures == 0 &&
-           std::memcmp(&a.fusion[2].fusionParam, &b.fusion[2].fusionParam, offsetof(FUSION_PARAM_V2_7_22, w_nir)) == 0;
+    const ispdsp_test::StageOutputs &x = a.calculated, &y = b.calculated;
+    return std::memcmp(&x, &y, offsetof(ispdsp_test::StageOutputs, fusion)) == 0 &&
+           std::memcmp(x.curves, y.curves, sizeof x.curves) == 0 && std::memcmp(&a.tuned, &b.tuned, sizeof a.tuned) == 0 &&
+           a.failures == 0 && b.failures == 0 &&
+           std::memcmp(&x.fusion[2].fusionParam, &y.fusion[2].fusionParam, offsetof(FUSION_PARAM_V2_7_22, w_nir)) == 0;
 }
 
 // Sends every payload through this thread's handle; the messages the callbacks saw here.
-uint64_t sendAll(Outputs& o, DSP_IrParam& ir, DRV_dspIspHandle& handle) {
+uint64_t sendAll(ispdsp_test::StageOutputs& o, DSP_IrParam& ir, DRV_dspIspHandle& handle) {
     const uint64_t before = t_messages;
-    DRV_dspOpSetDlae(&o.dlae, &handle), DRV_dspOpSetDlcfa(&o.dlcfa, &handle), DRV_dspOpSetFg2c(&o.fg2c, &handle);
-    DRV_dspOpSetLle(&o.lle, &handle), DRV_dspOpSetLsm(&o.lsm, &handle), DRV_dspOpSetSade(&o.sade, &handle);
-    DRV_dspOpSetSbm3d(&o.sbm3d, &handle), DRV_dspOpSetYuv2yuv(&o.yuv2yuv, &handle), DRV_dspOpSetLae(&o.lae, &handle);
-    DRV_dspOpSetY2d(&o.y2d, &handle), DRV_dspOpSetYlwdr(&o.ylwdr, &handle);
-    DRV_dspOpSetFusionPlate(&o.fusionPlate, &handle), DRV_dspOpSetFSSWITCH(&o.fusion[0], &handle);
-    DRV_dspOpSetFusion(&o.fusion[2], &handle), DRV_dspOpSetIr(&ir, &handle), DRV_dspOpSetCal(&ir, &handle);
+#define SEND(Name, Ver, field) DRV_dspOpSet##Name(&o.field, &handle);
+    ISPDSP_TEST_STAGES(SEND)
+#undef SEND
+    DRV_dspOpSetFSSWITCH(&o.fusion[0], &handle), DRV_dspOpSetFusion(&o.fusion[2], &handle);
+    DRV_dspOpSetIr(&ir, &handle), DRV_dspOpSetCal(&ir, &handle);
     DSP_FusionV2722 readBack = o.fusion[0];
     DRV_dspOpGetFusion(&readBack, &handle);
     return t_messages - before;
@@ -146,10 +111,7 @@ uint64_t sendAll(Outputs& o, DSP_IrParam& ir, DRV_dspIspHandle& handle) {
 class RobustConcurrency : public testing::Test {
 protected:
     void SetUp() override {
-        std::string curve;
-        for (int i = 0; i < FUSION_NIR_POINTS; ++i)
-            curve += std::to_string((i * 5) % 256) + (i == FUSION_NIR_POINTS - 1 ? "\n" : i % 13 == 12 ? ",\n" : ",");
-        sandbox.writeFile("/tmp/nir.txt", curve);
+        sandbox.writeFile("/tmp/nir.txt", ispdsp_test::nirCurveText());
         sandbox.writeFile(driver_test::kCommonParamFile, ParamFileBuilder()
                                                              .addTable(PARAM_MULTICOLOR)
                                                              .addTable(PARAM_BLACKWHITE)
@@ -229,7 +191,7 @@ TEST_F(RobustConcurrency, CalculationsSettersAndMessagesOnSeparateRecords) {
         for (int iteration = 0; iteration < kIterations; ++iteration) {
             compute(tables[index], index, *out);
             mismatches[index] += !sameOutputs(*out, *want[index]);
-            messages[index] += sendAll(*out, ir, handle);
+            messages[index] += sendAll(out->calculated, ir, handle);
         }
         lastType[index] = t_lastType;
     });

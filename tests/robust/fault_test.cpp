@@ -6,7 +6,6 @@
 // close every file (the support main checks that after every test).
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "api/driver_host.h"
 #include "ispdsp/ispdsp.h"
 #include "support/mem_guard.h"
+#include "support/nir_curve_text.h"
 
 namespace {
 
@@ -44,19 +44,11 @@ constexpr ExpectedLine kNirMalloc = {LogKind::Error, "DRV_dspIspCreateX", "Faile
 constexpr ExpectedLine kRlrInfoMalloc = {LogKind::Warn, "DRV_loadRlrCfg", "Failed to malloc memory for cfg_rlrtableinfo\n"};
 constexpr ExpectedLine kRlrTableMalloc = {LogKind::Warn, "DRV_loadRlrCfg", "Failed to malloc memory for cfg_rlrtableparam\n"};
 
-void reportPoints(const char* what, size_t points) {
-    std::printf("[ robust   ] %zu fault-injection points covered: %s\n", points, what);
-    testing::Test::RecordProperty("fault_points", static_cast<int>(points));
-}
-
-// A NIR curve file: 256 values, thirteen a line, the last one a single digit.
-std::string nirCurveText() {
-    std::string text;
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) {
-        text += std::to_string(i == FUSION_NIR_POINTS - 1 ? 7 : (i * 5) % 256);
-        text += i == FUSION_NIR_POINTS - 1 ? "\n" : (i % 13 == 12 ? ",\n" : ",");
-    }
-    return text;
+// `call`'s result with the fault armed: FailAllocAfter(n), or LimitFileReads(limit[, path]).
+template <class Fault, class Call, class... FaultArgs>
+Int32 withFault(Call call, FaultArgs... faultArgs) {
+    Fault fault(faultArgs...);
+    return call();
 }
 
 class RobustFault : public testing::Test {
@@ -71,8 +63,9 @@ protected:
             .build();
     }
 
-    // The table after a creation: either no instance (and every slot that
-    // creation filled refuses the call), or a usable instance that runs a
+    // The table after a creation: either no instance (and the slots that
+    // creation filled refuse the call; every slot's refusal and its line are
+    // pinned in driver_lifecycle_test.cpp), or a usable instance that runs a
     // frame, takes a console command and is deleted again.
     void expectConsistentTable(HostPipe& pipe, Int32 created) {
         driver_test::ConsoleArgs command{{"ep_delta", "5"}};
@@ -82,15 +75,8 @@ protected:
             EXPECT_EQ(pipe.ops()->hIsp, nullptr);
             EXPECT_EQ(pipe.ops()->ispParam, nullptr);
             if (pipe.ops()->OpStart == nullptr) return;  // failed before the table was touched
-            DRV_ispModuleResults results{};
-            DRV_RefPipeParams ref{};
-            ref.refXHndl = &ref;
-            for (Int32 rc : {pipe.start(), pipe.stop(), pipe.gainFlags(), pipe.refresh(&changed), pipe.fusion(),
-                             pipe.moduleResults(&results), pipe.refPipe(&ref), pipe.console(&command.record, 0),
-                             pipe.remove()})
+            for (Int32 rc : {pipe.start(), pipe.fusion(), pipe.console(&command.record, 0), pipe.remove()})
                 EXPECT_EQ(rc, -1);
-            EXPECT_EQ(pipe.reload(), 0);  // reloads nothing; the flag function reports the missing instance
-            EXPECT_EQ(pipe.xHndl(), nullptr);
             EXPECT_TRUE(pipe.flags.empty());
             return;
         }
@@ -112,7 +98,7 @@ protected:
         ExpectedLine line;
         Int32 registerFlag;
     };
-    size_t failEveryAllocation(const std::vector<Outcome>& expected) {
+    void failEveryAllocation(const std::vector<Outcome>& expected) {
         {
             // Warm-up: from here on the library's registration record holds its
             // arrays; every later load replaces them one for one.
@@ -128,11 +114,7 @@ protected:
             SCOPED_TRACE("allocation " + std::to_string(k) + " fails");
             HostPipe pipe(1);
             log.clear();
-            Int32 result;
-            {
-                FailAllocAfter fail(k);
-                result = pipe.createPipe();
-            }
+            const Int32 result = withFault<FailAllocAfter>([&] { return pipe.createPipe(); }, k);
             EXPECT_EQ(result, want.result);
             EXPECT_EQ(logged(want.line), 1u) << want.line.message;
             if (result == 0 && pipe.instance() != nullptr) {
@@ -141,7 +123,6 @@ protected:
             expectConsistentTable(pipe, result);
             EXPECT_TRUE(guard.noLeak());
         }
-        return expected.size();
     }
 
     ispdsp_test::Sandbox sandbox;
@@ -155,15 +136,15 @@ TEST_F(RobustFault, CreationEndsCleanlyWhicheverAllocationFails) {
     sandbox.writeFile(driver_test::kCommonParamFile, paramFile());
     sandbox.writeFile(driver_test::registrationPath(1), driver_test::registrationText({100, 200, 300}));
     sandbox.writeFile(driver_test::registrationPath(2), driver_test::registrationText({150, 250}));
-    reportPoints("allocations of a creation", failEveryAllocation({
-                                                  {-1, kInstanceMalloc, 0},
-                                                  {-1, kParamMalloc, 0},
-                                                  {0, kLineBufferMalloc, 2},
-                                                  {0, kZoomMalloc, 2},
-                                                  {0, kPairsMalloc, 2},
-                                                  {-1, kNirMalloc, 0},
-                                                  {-1, kNirMalloc, 0},
-                                              }));
+    failEveryAllocation({
+        {-1, kInstanceMalloc, 0},
+        {-1, kParamMalloc, 0},
+        {0, kLineBufferMalloc, 2},
+        {0, kZoomMalloc, 2},
+        {0, kPairsMalloc, 2},
+        {-1, kNirMalloc, 0},
+        {-1, kNirMalloc, 0},
+    });
 }
 
 // The common file fails at its checksum after its buffer was taken; the
@@ -176,17 +157,16 @@ TEST_F(RobustFault, CreationFromThePipeFileEndsCleanlyWhicheverAllocationFails) 
     sandbox.writeFile(driver_test::registrationPath(3), driver_test::registrationText({100}));
     const ExpectedLine pipeFileFailed = {LogKind::Error, "DRV_dspIspCreateX",
                                          "DRV_ispCfgLoad /var/tmp/1/dsp_isp_para.bin failed!\n"};
-    reportPoints("allocations of a creation from the per-pipe file",
-                 failEveryAllocation({
-                     {-1, kInstanceMalloc, 0},
-                     {0, kParamMalloc, 3},     // the common file's buffer; the pipe file's load takes its own
-                     {-1, pipeFileFailed, 0},  // the pipe file's larger buffer, after the common one was released
-                     {0, kLineBufferMalloc, 0},
-                     {0, kZoomMalloc, 0},
-                     {0, kPairsMalloc, 0},
-                     {-1, kNirMalloc, 0},
-                     {-1, kNirMalloc, 0},
-                 }));
+    failEveryAllocation({
+        {-1, kInstanceMalloc, 0},
+        {0, kParamMalloc, 3},     // the common file's buffer; the pipe file's load takes its own
+        {-1, pipeFileFailed, 0},  // the pipe file's larger buffer, after the common one was released
+        {0, kLineBufferMalloc, 0},
+        {0, kZoomMalloc, 0},
+        {0, kPairsMalloc, 0},
+        {-1, kNirMalloc, 0},
+        {-1, kNirMalloc, 0},
+    });
 }
 
 TEST_F(RobustFault, ParamFileLoaderEndsCleanlyWhenItsAllocationFails) {
@@ -195,29 +175,23 @@ TEST_F(RobustFault, ParamFileLoaderEndsCleanlyWhenItsAllocationFails) {
     MemGuard guard;
     CFG_IspParamTable header{};
     Ptr buffer = nullptr;
-    {
-        // A fresh header and no buffer: the block's buffer cannot be taken.
-        FailAllocAfter fail(1);
-        EXPECT_EQ(DRV_ispCfgLoad(driver_test::kCommonParamFile, ISPDSP_PARAM_FILE_VERSION, &header, &buffer), -1);
-    }
+    const auto load = [&](const char* path) { return DRV_ispCfgLoad(path, ISPDSP_PARAM_FILE_VERSION, &header, &buffer); };
+    // A fresh header and no buffer: the block's buffer cannot be taken.
+    EXPECT_EQ(withFault<FailAllocAfter>([&] { return load(driver_test::kCommonParamFile); }, 1), -1);
     EXPECT_EQ(buffer, nullptr);
     // A second load that needs more room releases the first buffer before
     // asking for the new one: when that fails, no buffer is left.
-    ASSERT_EQ(DRV_ispCfgLoad(driver_test::kCommonParamFile, ISPDSP_PARAM_FILE_VERSION, &header, &buffer), 0);
+    ASSERT_EQ(load(driver_test::kCommonParamFile), 0);
     log.clear();
-    {
-        FailAllocAfter fail(1);
-        EXPECT_EQ(DRV_ispCfgLoad(kPipeFile1, ISPDSP_PARAM_FILE_VERSION, &header, &buffer), -1);
-    }
+    EXPECT_EQ(withFault<FailAllocAfter>([&] { return load(kPipeFile1); }, 1), -1);
     EXPECT_EQ(buffer, nullptr);
     EXPECT_EQ(logged(kParamMalloc), 1u);
-    reportPoints("allocations of the parameter file loader", 2);
 }
 
 // The NIR curve loader: its buffer fails (both languages of the command), then
 // every read cut; a cut file loads only when the last value was read.
 TEST_F(RobustFault, NirCurveLoaderEndsCleanlyOnEveryFault) {
-    const std::string curve = nirCurveText();
+    const std::string curve = ispdsp_test::nirCurveText();
     sandbox.writeFile(kNirFile, curve);
     const CFG_DspIspCfgParam table = driver_test::fusionTable(3);
     std::vector<CFG_DSP_FusionV2722> records(table.ispFusionParam, table.ispFusionParam + FUSION_GAIN_STEPS);
@@ -227,40 +201,33 @@ TEST_F(RobustFault, NirCurveLoaderEndsCleanlyOnEveryFault) {
     gain.gainStartIndex = 4;
     gain.gainEndIndex = 5;
     MemGuard guard;
-    size_t points = 0;
     for (Int32 pcmdId : {0, 1}) {
         log.clear();
-        FailAllocAfter fail(1);
-        EXPECT_EQ(DRV_dspdbgFusionNir(records.data(), &gain, pcmdId, 0), -1);
+        EXPECT_EQ(withFault<FailAllocAfter>([&] { return DRV_dspdbgFusionNir(records.data(), &gain, pcmdId, 0); }, 1), -1);
         EXPECT_EQ(log.count(LogKind::Warn, "DRV_dspdbgFusionNir", "buffer malloc failed\n"), 1u);
         EXPECT_EQ(std::memcmp(records.data(), before.data(), recordBytes), 0);
-        ++points;
     }
-    for (size_t limit = 0; limit <= curve.size(); ++limit, ++points) {
+    for (size_t limit = 0; limit <= curve.size(); ++limit) {
         SCOPED_TRACE("reads cut at byte " + std::to_string(limit));
         records = before;
-        Int32 result;
-        {
-            LimitFileReads cut(limit);
-            result = DRV_dspdbgFusionNir(records.data(), &gain, 0, 0);
-        }
+        const Int32 result = withFault<LimitFileReads>([&] { return DRV_dspdbgFusionNir(records.data(), &gain, 0, 0); }, limit);
         const bool whole = limit >= curve.size() - 1;  // everything but the final line feed
         ASSERT_EQ(result, whole ? 0 : -1);
         ASSERT_EQ(whole ? records[4].w_nir[FUSION_NIR_POINTS - 1] : 0,
                   whole ? 7 : std::memcmp(records.data(), before.data(), recordBytes));
     }
-    reportPoints("allocations and read cuts of the NIR curve loader", points);
 }
 
-TEST_F(RobustFault, RlrLoaderEndsCleanlyWhicheverAllocationFails) {
+// The RLR loader: each of its allocations fails (the host passes no buffer:
+// the identity record, then the tables are taken; or its own buffer: only the
+// identity record is), then the custom file's reads are cut at every byte.
+TEST_F(RobustFault, RlrLoaderEndsCleanlyOnEveryFault) {
     std::vector<uint8_t> custom(1024);
-    for (size_t i = 0; i < custom.size(); ++i) custom[i] = static_cast<uint8_t>(i * 5);
+    for (size_t i = 0; i < custom.size(); ++i) custom[i] = static_cast<uint8_t>(i * 3 + 1);
     sandbox.writeFile(kRlrCustom, custom);
     sandbox.makeDir("/mnt/mtd/3A");
     MemGuard guard;
     CFG_RlrTableParam hostTables{};
-    // The host passes no buffer (the identity record, then the tables are
-    // taken), or its own buffer (only the identity record is taken).
     const struct {
         Ptr buffer;
         uint64_t failing;
@@ -270,14 +237,34 @@ TEST_F(RobustFault, RlrLoaderEndsCleanlyWhicheverAllocationFails) {
         SCOPED_TRACE(c.line.message);
         log.clear();
         Ptr tables = c.buffer;
-        {
-            FailAllocAfter fail(c.failing);
-            EXPECT_EQ(DRV_loadRlrCfg(&tables), -1);
-        }
+        EXPECT_EQ(withFault<FailAllocAfter>([&] { return DRV_loadRlrCfg(&tables); }, c.failing), -1);
         EXPECT_EQ(tables, c.buffer);
         EXPECT_EQ(logged(c.line), 1u);
     }
-    reportPoints("allocations of the RLR loader", std::size(cases));
+    constexpr size_t kIdentityBytes = 9;
+    constexpr size_t kTableBytes = sizeof(CFG_RlrTableParam);
+    for (size_t limit = 0; limit <= kTableBytes; ++limit) {
+        SCOPED_TRACE("reads cut at byte " + std::to_string(limit));
+        sandbox.remove(kRlrFlash);
+        log.clear();
+        CFG_RlrTableParam tables{};
+        Ptr buffer = &tables;
+        const Int32 result = withFault<LimitFileReads>([&] { return DRV_loadRlrCfg(&buffer); }, limit);
+        if (limit < kIdentityBytes) {
+            // The custom file's identity cannot be read: nothing is loaded.
+            ASSERT_EQ(result, -1);
+            ASSERT_EQ(log.count(LogKind::Error, "DRV_loadRlrCfg", "Get RlrCfgInfo is failed!\n"), 1u);
+            ASSERT_FALSE(sandbox.exists(kRlrFlash));
+            continue;
+        }
+        // The tables come up short (or whole at 768): the flash copy is still
+        // written from the buffer and the load succeeds.
+        ASSERT_EQ(result, 0);
+        ASSERT_EQ(log.count("WARN  : read /var/custom/rlr_para.bin RLR table info failed\n"), limit < kTableBytes ? 1u : 0u);
+        ASSERT_EQ(std::memcmp(&tables, custom.data(), limit), 0);
+        ASSERT_EQ(sandbox.readFile(kRlrFlash).size(), kTableBytes);
+        ASSERT_TRUE(guard.noLeak());
+    }
 }
 
 // Which field of the parameter file a read cut at `offset` breaks, and its line.
@@ -301,11 +288,7 @@ TEST_F(RobustFault, CreationEndsCleanlyWhereverTheTuningFileReadStops) {
         SCOPED_TRACE("read cut at byte " + std::to_string(limit));
         HostPipe pipe(1);
         log.clear();
-        Int32 result;
-        {
-            LimitFileReads cut(limit);
-            result = pipe.createPipe();
-        }
+        const Int32 result = withFault<LimitFileReads>([&] { return pipe.createPipe(); }, limit);
         if (limit == file.size()) {  // the whole file arrives: the control case
             EXPECT_EQ(result, 0);
             expectConsistentTable(pipe, result);
@@ -317,7 +300,6 @@ TEST_F(RobustFault, CreationEndsCleanlyWhereverTheTuningFileReadStops) {
         // The table's slots answer without an instance (checked in full every 512 cuts: it is slow).
         if (limit % 512 == 0) expectConsistentTable(pipe, result);
     }
-    reportPoints("read cuts of the parameter file", file.size());
 }
 
 // The registration file read by creation, cut at every byte: creation goes on
@@ -332,51 +314,10 @@ TEST_F(RobustFault, CreationEndsCleanlyWhereverTheRegistrationReadStops) {
     for (size_t limit = 0; limit <= text.size(); ++limit) {
         SCOPED_TRACE("read cut at byte " + std::to_string(limit));
         HostPipe pipe(1);
-        {
-            LimitFileReads cut(limit, driver_test::registrationPath(1));
-            ASSERT_EQ(pipe.createPipe(), 0);
-        }
+        ASSERT_EQ(withFault<LimitFileReads>([&] { return pipe.createPipe(); }, limit, driver_test::registrationPath(1)), 0);
         ASSERT_EQ(pipe.instance()->registerFlag, limit >= headerEnd ? 1 : 0);
         ASSERT_EQ(pipe.remove(), 0);
     }
-    reportPoints("read cuts of the registration file", text.size() + 1);
-}
-
-TEST_F(RobustFault, RlrLoaderEndsCleanlyWhereverTheCustomFileReadStops) {
-    std::vector<uint8_t> custom(1024);
-    for (size_t i = 0; i < custom.size(); ++i) custom[i] = static_cast<uint8_t>(i * 3 + 1);
-    sandbox.writeFile(kRlrCustom, custom);
-    sandbox.makeDir("/mnt/mtd/3A");
-    constexpr size_t kIdentityBytes = 9;
-    constexpr size_t kTableBytes = sizeof(CFG_RlrTableParam);
-    MemGuard guard;
-    for (size_t limit = 0; limit <= kTableBytes; ++limit) {
-        SCOPED_TRACE("reads cut at byte " + std::to_string(limit));
-        sandbox.remove(kRlrFlash);
-        log.clear();
-        CFG_RlrTableParam tables{};
-        Ptr buffer = &tables;
-        Int32 result;
-        {
-            LimitFileReads cut(limit);
-            result = DRV_loadRlrCfg(&buffer);
-        }
-        if (limit < kIdentityBytes) {
-            // The custom file's identity cannot be read: nothing is loaded.
-            ASSERT_EQ(result, -1);
-            ASSERT_EQ(log.count(LogKind::Error, "DRV_loadRlrCfg", "Get RlrCfgInfo is failed!\n"), 1u);
-            ASSERT_FALSE(sandbox.exists(kRlrFlash));
-            continue;
-        }
-        // The tables come up short (or whole at 768): the flash copy is still
-        // written from the buffer and the load succeeds.
-        ASSERT_EQ(result, 0);
-        ASSERT_EQ(log.count("WARN  : read /var/custom/rlr_para.bin RLR table info failed\n"), limit < kTableBytes ? 1u : 0u);
-        ASSERT_EQ(std::memcmp(&tables, custom.data(), limit), 0);
-        ASSERT_EQ(sandbox.readFile(kRlrFlash).size(), kTableBytes);
-        ASSERT_TRUE(guard.noLeak());
-    }
-    reportPoints("read cuts of the RLR custom file", kTableBytes + 1);
 }
 
 }  // namespace

@@ -8,10 +8,10 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 
 #include "api/driver_host.h"
 #include "support/mem_guard.h"
+#include "support/nir_curve_text.h"
 
 namespace {
 
@@ -38,10 +38,7 @@ protected:
                               .addTable(PARAM_HDR_MULTICOLOR, driver_test::fusionTable(2))
                               .build());
         sandbox.writeFile(driver_test::registrationPath(1), driver_test::registrationText({100, 200, 300}));
-        std::string curve;
-        for (int i = 0; i < FUSION_NIR_POINTS; ++i)
-            curve += std::to_string((i * 7) % 256) + (i == FUSION_NIR_POINTS - 1 ? "\n" : i % 13 == 12 ? ",\n" : ",");
-        sandbox.writeFile("/tmp/nir.txt", curve);
+        sandbox.writeFile("/tmp/nir.txt", ispdsp_test::nirCurveText(7));
     }
 
     // One whole life of the pair; returns the FUSION messages the DSP received.
