@@ -2,6 +2,7 @@
 // typed access to them by layout, for the fusion tests.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -36,29 +37,22 @@ inline const FieldModel kFields[] = {
 };
 #undef FIELD
 
-inline int32_t readField(const FieldModel& f, const void* record) {
-    const auto* p = static_cast<const uint8_t*>(record) + f.offset;
-    if (f.width == 2) {
-        uint16_t raw;
-        std::memcpy(&raw, p, 2);
-        return f.isSigned ? int32_t(int16_t(raw)) : int32_t(raw);
-    }
-    return f.isSigned ? int32_t(int8_t(*p)) : int32_t(*p);
-}
-
 inline int32_t keepWidth(const FieldModel& f, int32_t v) {
     if (f.width == 2) return f.isSigned ? int32_t(int16_t(uint16_t(v))) : int32_t(uint16_t(v));
     return f.isSigned ? int32_t(int8_t(uint8_t(v))) : int32_t(uint8_t(v));
 }
 
+// Both targets are little-endian: a field's bytes are the low bytes of its value.
+static_assert(std::endian::native == std::endian::little);
+
+inline int32_t readField(const FieldModel& f, const void* record) {
+    uint32_t raw = 0;
+    std::memcpy(&raw, static_cast<const uint8_t*>(record) + f.offset, f.width);
+    return keepWidth(f, int32_t(raw));
+}
+
 inline void writeField(const FieldModel& f, void* record, int32_t v) {
-    auto* p = static_cast<uint8_t*>(record) + f.offset;
-    if (f.width == 2) {
-        const uint16_t raw = uint16_t(v);
-        std::memcpy(p, &raw, 2);
-    } else {
-        *p = uint8_t(v);
-    }
+    std::memcpy(static_cast<uint8_t*>(record) + f.offset, &v, f.width);
 }
 
 }  // namespace fusion_test
