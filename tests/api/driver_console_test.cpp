@@ -256,26 +256,6 @@ TEST_F(DriverConsole, UnknownNamePrintsTheMenuInEitherLanguage) {
     EXPECT_EQ(flagsSent(), 0u);
 }
 
-TEST_F(DriverConsole, ChangesLastAndReachTheNextFusionFrame) {
-    // The pipe fuses with itself as its colour reference: its own record is
-    // the blend of the current table, now holding the console's value.
-    DRV_RefPipeParams ref;
-    std::memset(&ref, 0, sizeof(ref));
-    ref.refXHndl = pipe.xHndl();
-    ref.fusionType = DRV_ISP_FUSION_COLOR;
-    ASSERT_EQ(pipe.refPipe(&ref), 0);
-    EXPECT_EQ(run({"ep_delta", "1234", "uv_coef", "77"}), 0);
-    EXPECT_EQ(pipe.fusion(), 0);
-    EXPECT_EQ(pipe.instance()->pstFusionParam.fusionParam.ep_delta, 1234);
-    EXPECT_EQ(pipe.instance()->pstFusionParam.fusionParam.uv_coef, 77);
-    // Another table and back: the change stays with the table.
-    pipe.run().dncMode = 0;
-    EXPECT_EQ(pipe.refresh(nullptr), 0);
-    pipe.run().dncMode = 1;
-    EXPECT_EQ(pipe.refresh(nullptr), 0);
-    EXPECT_EQ(pipe.instance()->dspCfgTables.curTable->ispFusionParam[kStart].ep_delta, 1234);
-}
-
 TEST_F(DriverConsole, ArgumentCountBeyondTheRecordIsBounded) {
     ConsoleArgs cmd({});
     static char name[] = "uv_w";
@@ -293,17 +273,13 @@ TEST_F(DriverConsole, ArgumentCountBeyondTheRecordIsBounded) {
     EXPECT_EQ(records[kStart].uv_w, 3);
 }
 
-TEST_F(DriverConsole, MissingPointersAndTable) {
-    ConsoleArgs cmd({"runParam", "1"});
-    EXPECT_EQ(pipe.ops()->OpSetDbgDspParam(nullptr, &cmd.record, 0), -1);
-    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispSetDbgDspParam", "Input NULL POINT ispOps!\n"), 1u);
-    EXPECT_EQ(pipe.console(nullptr, 0), -1);
-    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispSetDbgDspParam", "Input NULL POINT cmd_param!\n"), 1u);
-
-    // Before the first refresh every command fails, runParam included.
+// Before the first refresh every command fails, runParam included. (The null
+// table and argument: EverySlotRefusesMissingPointers in driver_lifecycle_test.cpp.)
+TEST_F(DriverConsole, EveryCommandNeedsAChosenTable) {
     HostPipe fresh(2);
     ASSERT_EQ(fresh.createPipe(), 0);
     log.clear();
+    ConsoleArgs cmd({"runParam", "1"});
     EXPECT_EQ(fresh.console(&cmd.record, 0), -1);
     EXPECT_EQ(log.count(LogKind::Error, "DRV_ispSetDbgDspParam", "Input NULL POINT curParam!\n"), 1u);
     EXPECT_EQ(log.lines().size(), 1u);

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -141,9 +140,7 @@ TEST_F(DriverLifecycle, ParameterFileFallbackAndFailures) {
         EXPECT_EQ(pipe.ops()->hIsp, nullptr);
         EXPECT_EQ(pipe.ops()->ispParam, nullptr);
         ASSERT_NE(pipe.ops()->OpStart, nullptr);
-        EXPECT_EQ(pipe.start(), -1);
-        EXPECT_TRUE(log.has(LogKind::Error, "DRV_ispStartX", "Input NULL POINT ispOps->ispXHndl!\n"));
-        EXPECT_TRUE(pipe.flags.empty());
+        EXPECT_EQ(pipe.start(), -1);  // the message: EverySlotRefusesMissingPointers
     }
 }
 
@@ -197,33 +194,26 @@ TEST_F(DriverLifecycle, RegistrationFileSetsTheRegisterFlagByPlace) {
 
 TEST_F(DriverLifecycle, OperationsSendTheFusionFlag) {
     writeCommonParamFile();
+    using Operation = Int32 (HostPipe::*)();
+    const Operation start = &HostPipe::start, stop = &HostPipe::stop, reload = &HostPipe::reload,
+                    gain = &HostPipe::gainFlags;
     struct Case {
-        std::function<Int32(HostPipe&)> operation;
+        std::vector<Operation> operations;
         Uint32 quickStart;
         std::vector<Uint32> flags;
     };
-    const Case cases[] = {
-        {[](HostPipe& p) { return p.start(); }, 0, {1}},
-        {[](HostPipe& p) { return p.stop(); }, 0, {0}},
-        {[](HostPipe& p) { return p.reload(); }, 0, {1}},
-        {[](HostPipe& p) { return p.gainFlags(); }, 0, {1}},
-        {[](HostPipe& p) { return p.gainFlags(); }, 1, {}},
-        {[](HostPipe& p) {
-             Int32 r = p.stop();  // one statement each: the operands of | are not sequenced
-             r |= p.start();
-             return r | p.stop();
-         },
-         0, {0, 1, 0}},
-    };
-    for (size_t k = 0; k < std::size(cases); ++k) {
+    const Case cases[] = {{{start}, 0, {1}}, {{stop}, 0, {0}},  {{reload}, 0, {1}},
+                          {{gain}, 0, {1}},  {{gain}, 1, {}},   {{stop, start, stop}, 0, {0, 1, 0}}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
         HostPipe pipe(1);
         ASSERT_EQ(pipe.createPipe(), 0);
-        pipe.instance()->quickStart = cases[k].quickStart;
-        EXPECT_EQ(cases[k].operation(pipe), 0) << k;
-        ASSERT_EQ(pipe.flags.size(), cases[k].flags.size()) << k;
+        pipe.instance()->quickStart = c.quickStart;
+        for (Operation operation : c.operations) EXPECT_EQ((pipe.*operation)(), 0);
+        ASSERT_EQ(pipe.flags.size(), c.flags.size());
         for (size_t i = 0; i < pipe.flags.size(); ++i) {
             EXPECT_EQ(pipe.flags[i].cmdType, ISP_SET_FUSION);
-            EXPECT_EQ(pipe.flags[i].flag, cases[k].flags[i]) << k;
+            EXPECT_EQ(pipe.flags[i].flag, c.flags[i]);
             EXPECT_EQ(pipe.flags[i].privData, static_cast<Ptr>(&pipe));
             EXPECT_TRUE(pipe.flags[i].reservedZero);
         }
@@ -236,23 +226,12 @@ TEST_F(DriverLifecycle, OperationsSendTheFusionFlag) {
     EXPECT_EQ(quiet.remove(), 0);
 }
 
-// Start logs before it looks at its argument. (That a start forgets the
-// reference pipe is checked frame by frame in driver_fusion_test.cpp.)
-TEST_F(DriverLifecycle, StartLogsFirst) {
-    writeCommonParamFile();
-    HostPipe pipe(1);
-    ASSERT_EQ(pipe.createPipe(), 0);
-    log.clear();
-    EXPECT_EQ(pipe.ops()->OpStart(nullptr), -1);
-    ASSERT_EQ(log.lines().size(), 2u);
-    EXPECT_EQ(log.texts()[0], "[DSP_DRV] start in successful\n");
-    EXPECT_TRUE(isDriverLine(log.lines()[1], LogKind::Error, "DRV_ispStartX", "Input NULL POINT ispOps!\n"));
-    EXPECT_EQ(pipe.remove(), 0);
-}
+// ---- Missing pointers, slot by slot ----
 
-// ---- Missing table or instance, slot by slot ----
-
-TEST_F(DriverLifecycle, EverySlotRefusesAMissingTableOrInstance) {
+// Each slot refuses a missing table and a table without an instance (with -1
+// and the pointer's name), and a null record argument by its name. Start logs
+// its first line before it looks at its argument.
+TEST_F(DriverLifecycle, EverySlotRefusesMissingPointers) {
     writeCommonParamFile();
     HostPipe pipe(1);
     ASSERT_EQ(pipe.createPipe(), 0);
@@ -261,40 +240,54 @@ TEST_F(DriverLifecycle, EverySlotRefusesAMissingTableOrInstance) {
     static DRV_ispModuleResults results;
     static DRV_RefPipeParams ref = {{}, &ref, 0, {}};
     static DRV_ispCmdParam cmd;
-    using Slot = std::function<Int32(DRV_ispOpsParams* slots, DRV_ispOpsParams* target)>;
+    // `nullRecord`: the call passes null for its record argument.
+    using Slot = Int32 (*)(DRV_ispOpsParams* slots, DRV_ispOpsParams* target, bool nullRecord);
     struct Case {
         const char* function;
         Slot call;
+        const char* record = nullptr;  // the record argument's name; null: none
         Int32 resultWithoutInstance = -1;
         const char* missingInstanceReporter = nullptr;  // null: the function itself
+        const char* firstLine = nullptr;                // logged before the table is looked at
     };
     const Case cases[] = {
-        {"DRV_ispStartX", [](auto* s, auto* t) { return s->OpStart(t); }},
-        {"DRV_ispStopX", [](auto* s, auto* t) { return s->OpStop(t); }},
+        {"DRV_ispStartX", [](auto* s, auto* t, bool) { return s->OpStart(t); }, nullptr, -1, nullptr,
+         "[DSP_DRV] start in successful\n"},
+        {"DRV_ispStopX", [](auto* s, auto* t, bool) { return s->OpStop(t); }},
         // Reload's missing instance is reported by the flag function, and its result stays 0.
-        {"DRV_ispReloadCfg", [](auto* s, auto* t) { return s->OpReloadCfg(t); }, 0, "DRV_ispControlModuleFlag"},
-        {"DRV_ispInterGainFlagsX", [](auto* s, auto* t) { return s->OpInterGainFlags(t); }},
-        {"DRV_ispDeleteX", [](auto* s, auto* t) { return s->OpDelete(t); }},
-        {"DRV_ispSetModuleResultsX", [](auto* s, auto* t) { return s->OpSetModuleResults(t, &results); }},
-        {"DRV_ispSetRefPipeParamsX", [](auto* s, auto* t) { return s->OpSetRefPipeParams(t, &ref); }},
+        {"DRV_ispReloadCfg", [](auto* s, auto* t, bool) { return s->OpReloadCfg(t); }, nullptr, 0,
+         "DRV_ispControlModuleFlag"},
+        {"DRV_ispInterGainFlagsX", [](auto* s, auto* t, bool) { return s->OpInterGainFlags(t); }},
+        {"DRV_ispDeleteX", [](auto* s, auto* t, bool) { return s->OpDelete(t); }},
+        {"DRV_ispSetModuleResultsX",
+         [](auto* s, auto* t, bool n) { return s->OpSetModuleResults(t, n ? nullptr : &results); }, "moduleResults"},
+        {"DRV_ispSetRefPipeParamsX",
+         [](auto* s, auto* t, bool n) { return s->OpSetRefPipeParams(t, n ? nullptr : &ref); }, "refPipeParams"},
         {"DRV_ispRefreshCfgX",
-         [](auto* s, auto* t) {
+         [](auto* s, auto* t, bool) {
              Int32 changed = 9;
              const Int32 r = s->OpRefreshCfg(t, &changed);
              EXPECT_EQ(changed, 9);
              return r;
          }},
-        {"DRV_ispSetFusionParam", [](auto* s, auto* t) { return s->OpSetFusion(t); }},
-        {"DRV_ispSetDbgDspParam", [](auto* s, auto* t) { return s->OpSetDbgDspParam(t, &cmd, 0); }},
+        {"DRV_ispSetFusionParam", [](auto* s, auto* t, bool) { return s->OpSetFusion(t); }},
+        {"DRV_ispSetDbgDspParam",
+         [](auto* s, auto* t, bool n) { return s->OpSetDbgDspParam(t, n ? nullptr : &cmd, 0); }, "cmd_param"},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.function);
         log.clear();
-        EXPECT_EQ(c.call(pipe.ops(), nullptr), -1) << c.function;
-        EXPECT_TRUE(log.has(LogKind::Error, c.function, "Input NULL POINT ispOps!\n")) << c.function;
+        EXPECT_EQ(c.call(pipe.ops(), nullptr, false), -1);
+        ASSERT_EQ(log.lines().size(), c.firstLine ? 2u : 1u);
+        if (c.firstLine) EXPECT_EQ(log.texts().front(), c.firstLine);
+        EXPECT_TRUE(isDriverLine(log.lines().back(), LogKind::Error, c.function, "Input NULL POINT ispOps!\n"));
         log.clear();
-        EXPECT_EQ(c.call(pipe.ops(), &empty), c.resultWithoutInstance) << c.function;
+        EXPECT_EQ(c.call(pipe.ops(), &empty, false), c.resultWithoutInstance);
         EXPECT_TRUE(log.has(LogKind::Error, c.missingInstanceReporter ? c.missingInstanceReporter : c.function,
-                            "Input NULL POINT ispOps->ispXHndl!\n")) << c.function;
+                            "Input NULL POINT ispOps->ispXHndl!\n"));
+        if (c.record == nullptr) continue;
+        EXPECT_EQ(c.call(pipe.ops(), pipe.ops(), true), -1);
+        EXPECT_TRUE(log.has(LogKind::Error, c.function, std::string("Input NULL POINT ") + c.record + "!\n"));
     }
     EXPECT_TRUE(pipe.flags.empty());
     EXPECT_TRUE(dsp.sets().empty());
@@ -303,15 +296,13 @@ TEST_F(DriverLifecycle, EverySlotRefusesAMissingTableOrInstance) {
 
 // ---- Module results, reference pipe, instance lookup ----
 
-TEST_F(DriverLifecycle, RecordsAreCopiedWholeAndNullsAreRefusedByName) {
+TEST_F(DriverLifecycle, RecordsAreCopiedWholeAndTheInstanceIsLookedUp) {
     writeCommonParamFile();
     HostPipe pipe(1);
     ASSERT_EQ(pipe.createPipe(), 0);
     DRV_ispModuleResults results;
     for (size_t i = 0; i < sizeof(results); ++i) reinterpret_cast<unsigned char*>(&results)[i] = (i * 7 + 3) & 0xFF;
     EXPECT_EQ(pipe.moduleResults(&results), 0);
-    EXPECT_EQ(pipe.moduleResults(nullptr), -1);
-    EXPECT_TRUE(log.has(LogKind::Error, "DRV_ispSetModuleResultsX", "Input NULL POINT moduleResults!\n"));
     EXPECT_EQ(std::memcmp(&pipe.instance()->moduleResults, &results, sizeof(results)), 0);
 
     DRV_RefPipeParams ref;
@@ -323,8 +314,6 @@ TEST_F(DriverLifecycle, RecordsAreCopiedWholeAndNullsAreRefusedByName) {
     noInstance.fusionType = 1;
     EXPECT_EQ(pipe.refPipe(&noInstance), -1);
     EXPECT_TRUE(log.has(LogKind::Error, "DRV_ispSetRefPipeParamsX", "Input NULL POINT refPipeParams->refXHndl!\n"));
-    EXPECT_EQ(pipe.refPipe(nullptr), -1);
-    EXPECT_TRUE(log.has(LogKind::Error, "DRV_ispSetRefPipeParamsX", "Input NULL POINT refPipeParams!\n"));
     EXPECT_EQ(std::memcmp(&pipe.instance()->refPipeParams, &ref, sizeof(ref)), 0);
 
     Ptr handle = nullptr;
