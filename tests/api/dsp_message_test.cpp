@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "ispdsp/fusion.h"
@@ -35,8 +36,7 @@ struct alignas(8) RecordBytes {
     void* data() { return bytes.data(); }
 };
 
-using SetFn = Int32 (*)(void* record, DRV_dspIspHandle* handle);
-using GetFn = Int32 (*)(void* record, DRV_dspIspHandle* handle);
+using MessageFn = Int32 (*)(void* record, DRV_dspIspHandle* handle);
 
 template <class Record, Int32 (*Fn)(Record*, DRV_dspIspHandle*)>
 Int32 call(void* record, DRV_dspIspHandle* handle) {
@@ -47,8 +47,8 @@ Int32 call(void* record, DRV_dspIspHandle* handle) {
 
 struct SetCase {
     const char* function;
-    SetFn set;
-    GetFn get;  // the stage's Get, which does nothing; null where the stage has none or a real one
+    MessageFn set;
+    MessageFn get;  // the stage's Get, which does nothing; null where the stage has none or a real one
     Uint32 type;
     bool nIdFromHandle;
     bool returnsCallbackResult;
@@ -174,19 +174,23 @@ struct FusionRecord {
 };
 
 // The output switch message maps the switch to an output mode; the fusion
-// message carries it unmapped, with the whole 2.7.22 block, version 0.
-TEST(FusionMessages, FsSwitchSendsTheOutputModeAndFusionTheRawSwitchAndBlock) {
-    const std::pair<UINT32, Uint32> cases[] = {{0, DSP_OUTPUT_VIS}, {1, DSP_OUTPUT_FUSE}, {2, DSP_OUTPUT_NIR_CAL},
-                                               {3, DSP_OUTPUT_FUSE_INVALID}, {7, DSP_OUTPUT_FUSE_INVALID},
-                                               {0xFFFFFFFFu, DSP_OUTPUT_FUSE_INVALID}};
-    for (const auto& [fusionSwitch, outputMode] : cases) {
+// message carries it unmapped, with the whole 2.7.22 block, version 0. IR sends
+// the zoom index's low 16 bits, CAL the address of the path at 88: nothing else
+// in either, and their callback's result is ignored.
+TEST(FusionIrCalMessages, EachCarriesItsFieldsAndNothingElse) {
+    using Case = std::tuple<UINT32, Uint32, Int32, Uint16>;  // switch, output mode, zoom index, its low 16 bits
+    const Case cases[] = {{0, DSP_OUTPUT_VIS, 0, 0},          {1, DSP_OUTPUT_FUSE, 3, 3},
+                          {2, DSP_OUTPUT_NIR_CAL, 65537, 1},  {3, DSP_OUTPUT_FUSE_INVALID, -1, 65535},
+                          {7, DSP_OUTPUT_FUSE_INVALID, 0x12345678, 0x5678}, {0xFFFFFFFFu, DSP_OUTPUT_FUSE_INVALID, 0, 0}};
+    for (const auto& [fusionSwitch, outputMode, zoomIndex, sent16] : cases) {
+        SCOPED_TRACE(testing::Message() << "switch " << fusionSwitch << ", zoom index " << zoomIndex);
         DspCapture dsp;
         dsp.followAddresses(true);
         DRV_dspIspHandle handle = dsp.handle(kHandleId);
         FusionRecord fusion(fusionSwitch);
         ASSERT_EQ(DRV_dspOpSetFSSWITCH(&fusion.record, &handle), 0);
         ASSERT_EQ(DRV_dspOpSetFusion(&fusion.record, &handle), 0);
-        EXPECT_EQ(dsp.sets().at(0).word(8), outputMode) << fusionSwitch;
+        EXPECT_EQ(dsp.sets().at(0).word(8), outputMode);
         EXPECT_EQ(dsp.sets().at(0).firstNonZeroExcept({{8, 12}}), std::nullopt);
         const DspCall& sent = dsp.sets().at(1);  // type and id: SetRules
         EXPECT_EQ(sent.word(8), fusionSwitch);
@@ -198,17 +202,7 @@ TEST(FusionMessages, FsSwitchSendsTheOutputModeAndFusionTheRawSwitchAndBlock) {
         EXPECT_EQ(sent.word(4160), 0u);
         EXPECT_EQ(sent.firstNonZeroExcept({{8, 12}, {72, 136}}), std::nullopt);  // 136..4167 are 0
         EXPECT_TRUE(std::equal(sent.curve.begin(), sent.curve.end(), fusion.curve.begin(), fusion.curve.end()));
-    }
-}
 
-// IR sends the zoom index's low 16 bits, CAL the address of the path at 88:
-// nothing else in either, and the callback's result is ignored.
-TEST(IrCalMessages, IrSendsTheLow16BitsAndCalThePathAddress) {
-    for (const auto& [zoomIndex, sent16] : {std::pair<Int32, Uint16>{0, 0}, {3, 3}, {65537, 1}, {-1, 65535},
-                                            {0x12345678, 0x5678}}) {
-        DspCapture dsp;
-        dsp.followAddresses(true);
-        DRV_dspIspHandle handle = dsp.handle(kHandleId);
         DSP_IrParam ir;
         std::memset(&ir, 0x7E, sizeof ir);
         ir.zoomIndex = zoomIndex;
@@ -216,10 +210,9 @@ TEST(IrCalMessages, IrSendsTheLow16BitsAndCalThePathAddress) {
         dsp.setSetResult(-9);
         ASSERT_EQ(DRV_dspOpSetIr(&ir, &handle), 0);
         ASSERT_EQ(DRV_dspOpSetCal(&ir, &handle), 0);
-        const DspCall& sent = dsp.sets().at(0);
-        EXPECT_EQ(sent.message.dspArgs.irCalPramArgs.irParam.zoomIndex, sent16);
-        EXPECT_EQ(sent.firstNonZeroExcept({{72, 74}}), std::nullopt);
-        const DspCall& cal = dsp.sets().at(1);
+        EXPECT_EQ(dsp.sets().at(2).message.dspArgs.irCalPramArgs.irParam.zoomIndex, sent16);
+        EXPECT_EQ(dsp.sets().at(2).firstNonZeroExcept({{72, 74}}), std::nullopt);
+        const DspCall& cal = dsp.sets().at(3);
         char* address = nullptr;
         std::memcpy(&address, cal.bytes().data() + 88, sizeof address);
         EXPECT_EQ(address, ir.cfg_path);
