@@ -7,7 +7,6 @@
 // it, and /mnt/mtd/calibration.txt three zoom positions. The gain position,
 // zoom, fusion type, standby switch, argument count and language come from
 // the input's hash: mostly what a host passes, sometimes a faulty host's values.
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -15,6 +14,7 @@
 
 #include "driver/registration.h"
 #include "fuzz_support.h"
+#include "support/nir_curve_text.h"
 
 namespace {
 
@@ -47,28 +47,13 @@ std::vector<uint8_t> makeParamFile() {
     return fuzzsupport::paramFileImage(block);
 }
 
-std::string makeNirText() {
-    std::string text;
-    char number[16];
-    for (Int32 i = 0; i < FUSION_NIR_POINTS; ++i) {
-        std::snprintf(number, sizeof number, "%d", (i * 3) % 300);
-        text += number;
-        if (i == FUSION_NIR_POINTS - 1) break;
-        text += ',';
-        if (i % 13 == 12) text += '\n';
-    }
-    return text + "\n";
-}
-
 const std::vector<uint8_t> g_paramFile = makeParamFile();
-const std::string g_nirText = makeNirText();
+const std::string g_nirText = ispdsp_test::nirCurveText(3);
 
 DRV_ispOpsParams g_ops;  // the host's operation table (large: kept static)
-Uint32 g_flags = 0;
 
 Int32 onFlag(const DRV_ispSetDrvFlagParam* param) {
     fuzzsupport::require(param != nullptr && param->cmdType == ISP_SET_FUSION, "unexpected flag call");
-    ++g_flags;
     return 0;
 }
 

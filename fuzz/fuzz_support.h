@@ -19,6 +19,7 @@
 
 #include "ispdsp/ispdsp.h"
 #include "ispdsp_host/host.h"
+#include "support/stage_outputs.h"
 
 // The RLR writer forces its flash copy to storage; the files here live in
 // memory, and a real sync() per fuzz run would stall the whole machine.
@@ -56,6 +57,7 @@ inline uint64_t inputHash(const uint8_t* data, size_t size) {
     return h;
 }
 
+// The host's allocation calls, live blocks, open files and bytes read so far.
 struct Counters {
     uint64_t allocs, live, files, bytes;
 };
@@ -69,29 +71,28 @@ inline Counters counters() {
 
 // Runs `once` (which sets up its files and releases what the caller owns) as
 // it is, then with the k-th of its allocations failing and with the file
-// reads cut at some byte, k and the cut chosen from the input.
+// reads cut at some byte, k and the cut chosen from the input. Every run must
+// end with the blocks and open files it started with.
 template <class Run>
 void runWithFaults(const uint8_t* data, size_t size, Run&& once) {
     const uint64_t hash = inputHash(data, size);
     const Counters before = counters();
-    once();
-    const Counters clean = counters();
-    require(clean.live == before.live && clean.files == before.files, "block leaked or file left open (no fault)");
-    const uint64_t allocs = clean.allocs - before.allocs;
-    const uint64_t bytes = clean.bytes - before.bytes;
-    if (allocs != 0) {
+    const auto run = [&](const char* what) {
+        once();
+        const Counters after = counters();
+        require(after.live == before.live && after.files == before.files, what);
+        return after;
+    };
+    const Counters clean = run("block leaked or file left open (no fault)");
+    if (const uint64_t allocs = clean.allocs - before.allocs) {
         ispdsp_host_fail_alloc_after(1 + hash % allocs);
-        once();
+        run("block leaked or file left open (failed allocation)");
         ispdsp_host_fail_alloc_after(0);
-        require(counters().live == before.live && counters().files == before.files,
-                "block leaked or file left open (failed allocation)");
     }
-    if (bytes != 0) {
+    if (const uint64_t bytes = clean.bytes - before.bytes) {
         ispdsp_host_limit_file_reads((hash >> 20) % bytes);
-        once();
+        run("block leaked or file left open (short read)");
         ispdsp_host_limit_file_reads(UINT64_MAX);
-        require(counters().live == before.live && counters().files == before.files,
-                "block leaked or file left open (short read)");
     }
 }
 
@@ -120,52 +121,6 @@ inline bool inside(const void* p, size_t n, const void* begin, size_t size) {
     return a >= b && n <= size && a - b <= size - n;
 }
 
-// Runs every calculation of the stages on one table, as the host does with the
-// records of the current table: the values come straight from the file.
-inline void calculateTable(const CFG_DspIspCfgParam& table, float interCoff) {
-    static DSP_FusionCalculateParam fusionIn;  // 8.7 KB: kept off the stack
-    DRV_gainInterParam gain{};
-    gain.gainStartIndex = 3;
-    gain.gainEndIndex = 12;
-    gain.interCoff = interCoff;
-    std::memset(&fusionIn, 0, sizeof fusionIn);
-    std::memcpy(fusionIn.fusionParam, table.ispFusionParam, sizeof fusionIn.fusionParam);
-    fusionIn.gainInterParam = &gain;
-
-    Uint8 curves[3][FUSION_NIR_POINTS] = {};
-    DSP_FusionV2722 colour{}, mono{}, both{};
-    colour.fusionParam.w_nir = curves[0];
-    mono.fusionParam.w_nir = curves[1];
-    both.fusionParam.w_nir = curves[2];
-    require(DRV_dspCalculateFusion(&fusionIn, &colour) == 0, "fusion calculation failed");
-    gain.gainStartIndex = 15;
-    gain.gainEndIndex = 0;
-    require(DRV_dspCalculateFusion(&fusionIn, &mono) == 0, "fusion calculation failed");
-    DSP_DoubleFusionCalculateParam pair{0, &colour, &mono};
-    require(DRV_dspDoubleCalculateFusion(&pair, &both) == 0, "double fusion calculation failed");
-
-#define CALC(Name, Ver, field, member)                         \
-    {                                                          \
-        DSP_##Name##CalculateParam in{};                       \
-        std::memcpy(&in.field, &table.member, sizeof in.field); \
-        DSP_##Name##Ver out{};                                 \
-        DRV_dspCalculate##Name(&in, &out);                     \
-    }
-    CALC(Dlae, V101, dlaeParam, ispDlaeParam)
-    CALC(Dlcfa, V101, dlcfaParam, ispDlcfaParam)
-    CALC(Fg2c, V102, fg2cParam, ispFg2cParam)
-    CALC(Lle, V203, lleParam, ispLleParam)
-    CALC(Lsm, V112, lsmParam, ispLsmParam)
-    CALC(Sade, V113, sadeParam, ispSadeParam)
-    CALC(Sbm3d, V113, sbm3dParam, ispSbm3dParam)
-    CALC(Yuv2yuv, V100, yuv2yuvParam, ispYuv2yuvParam)
-    CALC(Lae, V209, laeParam, ispLaeParam)
-    CALC(Y2d, V5118, y2dParam, ispY2dParam)
-    CALC(Ylwdr, V102, ylwdrParam, ispYlwdrParam)
-    CALC(FusionPlate, V1001, fusionPlateParam, ispFusionPlateParam)
-#undef CALC
-}
-
 // A gain coefficient for the calculations: in range mostly, sometimes one a
 // faulty host could hand over (negative, huge, not a number).
 inline float coefficientFor(uint64_t hash) {
@@ -186,7 +141,7 @@ inline void exerciseTables(CFG_IspParamTable* header, Ptr block, float interCoff
     for (Int32 type = 0; type < PARAM_TABLE_TYPE_NUM; ++type) {
         if (set.paramTables[type] != nullptr) {
             require(inside(set.paramTables[type], sizeof(CFG_DspIspCfgParam), block, blockSize),
-                              "registered table reaches outside the block");
+                    "registered table reaches outside the block");
         }
     }
     static const Int32 kHdrModes[] = {0, 4, 5};
@@ -201,13 +156,16 @@ inline void exerciseTables(CFG_IspParamTable* header, Ptr block, float interCoff
                     condition.imageScene = scene;
                     if (DRV_ispChooseCurParamDSP(&condition, &set) != 0) continue;
                     require(set.curTableType < PARAM_TABLE_TYPE_NUM &&
-                                          set.curTable == set.paramTables[set.curTableType] &&
-                                          set.curTable != nullptr,
-                                      "chosen table is not a registered one");
-                    if (!calculated[set.curTableType]) {
-                        calculated[set.curTableType] = true;
-                        calculateTable(*set.curTable, interCoff);
-                    }
+                                set.curTable == set.paramTables[set.curTableType] && set.curTable != nullptr,
+                            "chosen table is not a registered one");
+                    if (calculated[set.curTableType]) continue;
+                    calculated[set.curTableType] = true;
+                    // The values come straight from the file: a stage may refuse
+                    // them, the fusion blend may not.
+                    ispdsp_test::StageOutputs out;
+                    ispdsp_test::calculateStages(*set.curTable, ispdsp_test::gainBetween(3, 12, interCoff),
+                                                 ispdsp_test::gainBetween(15, 0, interCoff), 0, out);
+                    require(out.fusionFailures == 0, "fusion calculation failed");
                 }
             }
         }
