@@ -2,14 +2,14 @@
 // the public ABI (the curve file's format is nir_file_test.cpp's subject).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "fusion_fields.h"
 #include "ispdsp/fusion.h"
 #include "support/log_capture.h"
 #include "support/mem_guard.h"
@@ -21,7 +21,6 @@ using ispdsp_test::LogCapture;
 using ispdsp_test::LogKind;
 using ispdsp_test::MemGuard;
 using ispdsp_test::Sandbox;
-using namespace fusion_test;
 
 // The sixteen stored records of a table, each byte a recognisable pattern, and
 // the interpolation state that picks two of them.
@@ -47,20 +46,6 @@ std::string countingCurveFile() {
     std::string text;
     for (int i = 0; i < FUSION_NIR_POINTS; ++i) text += std::to_string(i) + (i == 510 ? "\n" : i % 13 == 12 ? ",\n" : ",");
     return text;
-}
-
-// Each field's range and confirmation line are checked command by command
-// through the console (driver_console_test.cpp). Equal indexes change that one
-// record; unknown ids change nothing and say nothing.
-TEST(FusionDebug, EqualIndexesChangeOneRecordUnknownIdsNone) {
-    Records r(5, 5);
-    auto expected = r.rec;
-    expected[5].nir_k = 77;
-    LogCapture log;
-    ASSERT_EQ(r.set(3, 77), 0);
-    for (int32_t id : {26, -1, 46, INT32_MIN, INT32_MAX}) EXPECT_EQ(r.set(id, 5), 0) << id;
-    EXPECT_EQ(std::memcmp(r.rec.data(), expected.data(), sizeof expected), 0);
-    EXPECT_EQ(log.lines().size(), 1u);
 }
 
 // Indexes outside 0..15 are refused by the setter, the print and the curve
@@ -95,6 +80,25 @@ TEST(FusionDebug, RefusalsAreNamedAndTouchNothing) {
         EXPECT_EQ(log.count(LogKind::Error, functions[k], "Input NULL POINT gainInterParam!\n"), 1u);
         EXPECT_EQ(mem.allocCalls(), 0u);
     }
+}
+
+// Each field's range and confirmation line are checked command by command
+// through the console (driver_console_test.cpp). Equal indexes change that one
+// record; unknown ids and other curve ids change nothing and say nothing (the
+// curve file is not even looked for); without the curve file its command fails.
+TEST(FusionDebug, EqualIndexesChangeOneRecordOtherIdsNone) {
+    Sandbox sandbox;
+    Records r(5, 5);
+    auto expected = r.rec;
+    expected[5].nir_k = 77;
+    LogCapture log;
+    ASSERT_EQ(r.set(3, 77), 0);
+    for (int32_t id : {26, -1, 46, INT32_MIN, INT32_MAX}) EXPECT_EQ(r.set(id, 5), 0) << id;
+    for (int32_t id : {1, -1, 72}) EXPECT_EQ(r.loadNir(id), 0) << id;
+    EXPECT_EQ(log.lines().size(), 1u);
+    EXPECT_EQ(r.loadNir(0), -1);
+    EXPECT_TRUE(log.has(LogKind::Warn, "DRV_ispGetNirCfg", "/tmp/nir.txt open failed\n"));
+    EXPECT_EQ(std::memcmp(r.rec.data(), expected.data(), sizeof expected), 0);
 }
 
 TEST(FusionDebug, PrintShowsStartThenEndForEveryField) {
@@ -135,23 +139,6 @@ TEST(FusionNir, LoadsTheCurveIntoBothRecordsAndPrintsIt) {
     EXPECT_EQ(texts[20], "[DSP_DRV]  247  248  249  250  251  252  253  254  255  255  255  255  255  \n");
     EXPECT_EQ(texts[40], "[DSP_DRV]  255  255  255  255  \n");
     EXPECT_EQ(log.count(LogKind::Info), 41u);
-}
-
-// Other command ids succeed without opening the file; a missing file fails
-// the command and leaves the records as they were.
-TEST(FusionNir, OtherIdsDoNothingAndAMissingFileChangesNothing) {
-    Sandbox sandbox;
-    Records r(0, 1);
-    const auto before = r.rec;
-    for (int32_t id : {1, -1, 72}) {
-        LogCapture log;
-        EXPECT_EQ(r.loadNir(id), 0);
-        EXPECT_TRUE(log.lines().empty());
-    }
-    LogCapture log;
-    EXPECT_EQ(r.loadNir(0), -1);
-    EXPECT_TRUE(log.has(LogKind::Warn, "DRV_ispGetNirCfg", "/tmp/nir.txt open failed\n"));
-    EXPECT_EQ(std::memcmp(r.rec.data(), before.data(), sizeof before), 0);
 }
 
 }  // namespace
