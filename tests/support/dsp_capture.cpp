@@ -72,15 +72,6 @@ DRV_dspIspHandle DspCapture::handle(Uint32 nId) const {
 OpDspIspCfgctl DspCapture::setCallback() { return &DspCapture::onSet; }
 OpDspIspCfgctl DspCapture::getCallback() { return &DspCapture::onGet; }
 
-void DspCapture::addGetReply(size_t messageOffset, std::span<const Uint8> bytes) {
-    replies_.push_back({messageOffset, std::vector<Uint8>(bytes.begin(), bytes.end())});
-}
-
-void DspCapture::setGetFusionReply(const FUSION_PARAM_V2_7_22& block) {
-    addGetReply(offsetof(DSP_AEW_CFG_S, dspArgs),
-                std::span<const Uint8>(reinterpret_cast<const Uint8*>(&block), sizeof block));
-}
-
 std::vector<DspCall> DspCapture::setsOfType(Uint32 type) const {
     std::vector<DspCall> out;
     std::copy_if(sets_.begin(), sets_.end(), std::back_inserter(out),
@@ -134,13 +125,8 @@ Int32 DspCapture::onGet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message) {
         return -1;
     }
     g_current->gets_.push_back(g_current->record(ctrl, message));
-    if (message != nullptr) {
-        auto* dst = static_cast<Uint8*>(message);
-        for (const Reply& r : g_current->replies_) {
-            if (r.offset >= sizeof(DSP_AEW_CFG_S)) continue;
-            const size_t n = std::min(r.bytes.size(), sizeof(DSP_AEW_CFG_S) - r.offset);
-            std::memcpy(dst + r.offset, r.bytes.data(), n);
-        }
+    if (message != nullptr && g_current->fusionReply_) {
+        std::memcpy(&static_cast<DSP_AEW_CFG_S*>(message)->dspArgs, &*g_current->fusionReply_, sizeof(FUSION_PARAM_V2_7_22));
     }
     return g_current->getResult_;
 }

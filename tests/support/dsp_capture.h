@@ -18,7 +18,7 @@
 //
 // Get calls: every OpGetDspConfig call is recorded the same way (the message
 // as the driver handed it in, before the double writes its reply). The double
-// then writes the programmed reply bytes into the message and returns the
+// then writes the programmed fusion block into the message and returns the
 // programmed result. The reply is written whatever the result, so a test can
 // check that a failed read-back leaves the caller's record untouched.
 //
@@ -101,13 +101,9 @@ public:
     // What OpSetDspConfig / OpGetDspConfig return from now on (default 0).
     void setSetResult(Int32 result) { setResult_ = result; }
     void setGetResult(Int32 result) { getResult_ = result; }
-    // Bytes that OpGetDspConfig writes into the message at `messageOffset` on
-    // every call from now on (several replies may be added; they are written in
-    // the order they were added). Offsets past the message end are cut off.
-    void addGetReply(size_t messageOffset, std::span<const Uint8> bytes);
-    // Convenience: the reply is the 64-byte 2.7.22 block at the start of dspArgs.
-    void setGetFusionReply(const FUSION_PARAM_V2_7_22& block);
-    void clearGetReplies() { replies_.clear(); }
+    // The 64-byte 2.7.22 block that OpGetDspConfig writes at the start of
+    // dspArgs on every call from now on.
+    void setGetFusionReply(const FUSION_PARAM_V2_7_22& block) { fusionReply_ = block; }
 
     void followAddresses(bool on) { followAddresses_ = on; }
 
@@ -121,10 +117,6 @@ public:
     void clearCalls();
 
 private:
-    struct Reply {
-        size_t offset;
-        std::vector<Uint8> bytes;
-    };
     static Int32 onSet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message);
     static Int32 onGet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message);
     DspCall record(const DRV_dspIspCfgOpsCtrl* ctrl, const void* message) const;
@@ -133,7 +125,7 @@ private:
     Int32 setResult_ = 0;
     Int32 getResult_ = 0;
     bool followAddresses_ = false;
-    std::vector<Reply> replies_;
+    std::optional<FUSION_PARAM_V2_7_22> fusionReply_;
     std::vector<DspCall> sets_;
     std::vector<DspCall> gets_;
 };

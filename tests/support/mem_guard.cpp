@@ -2,7 +2,7 @@
 
 namespace ispdsp_test {
 
-ispdsp_host_mem_stats memStats() {
+static ispdsp_host_mem_stats memStats() {
     ispdsp_host_mem_stats stats{};
     ispdsp_host_get_mem_stats(&stats);
     return stats;

@@ -12,7 +12,6 @@
 
 namespace ispdsp_test {
 
-ispdsp_host_mem_stats memStats();
 uint64_t openFiles();  // OSA_fileOpen handles not closed yet
 
 // Snapshot of the counters; by default the destructor expects as many live

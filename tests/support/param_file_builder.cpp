@@ -140,7 +140,7 @@ CFG_IspParamTable ParamFileBuilder::expectedHeader() const {
     CFG_IspParamTable h{};
     std::memcpy(&h, headerBytes().data(), kHeaderBytes);
     h.cfg_specParam.size = sizeWord_.value_or(static_cast<uint32_t>(blockBytes().size()));
-    h.chksum = static_cast<int32_t>(static_cast<uint32_t>(chksumOverride_.value_or(checksum())) ^ chksumMask_);
+    h.chksum = static_cast<int32_t>(static_cast<uint32_t>(checksum()) ^ chksumMask_);
     return h;
 }
 

@@ -58,8 +58,6 @@ public:
     // Faults. The size word written instead of the block's real length (the block bytes, the
     // checksum position and the checksum itself stay those of the real block).
     ParamFileBuilder& sizeWordOverride(uint32_t size) { sizeWord_ = size; return *this; }
-    // The checksum word written instead of the correct one.
-    ParamFileBuilder& checksumOverride(int32_t chksum) { chksumOverride_ = chksum; return *this; }
     // The correct checksum XOR mask (a wrong checksum when mask != 0).
     ParamFileBuilder& corruptChecksum(uint32_t mask = 1u) { chksumMask_ = mask; return *this; }
     // Bytes after the checksum (ignored by the reader).
@@ -82,7 +80,6 @@ private:
     ispcfg::ParamFileImage image_;  // header fields and entries, as the tool writes them
     std::optional<std::vector<uint8_t>> rawBlock_;
     std::optional<uint32_t> sizeWord_;
-    std::optional<int32_t> chksumOverride_;
     uint32_t chksumMask_ = 0;
     std::vector<uint8_t> trailing_;
 };

@@ -20,7 +20,6 @@ public:
     Sandbox(const Sandbox&) = delete;
     Sandbox& operator=(const Sandbox&) = delete;
 
-    const std::string& root() const { return root_; }
     // Where a device path lives on the build machine.
     std::string hostPath(std::string_view devicePath) const;
 
