@@ -73,19 +73,8 @@ bool toGbk(const std::string& utf8, std::string& gbk) {
     return ok;
 }
 
-std::string menuLine(const std::string& name, const std::string& text) {
-    char line[512];
-    std::snprintf(line, sizeof(line), "[DSP_DRV] \n%-10s%-2c%s\r\n", name.c_str(), ':', text.c_str());
-    return line;
-}
-
 constexpr Int32 kStart = 3, kEnd = 5;
 constexpr int32_t kUnchanged = INT32_MIN;
-
-const fusion_test::FieldModel& fieldNamed(const std::string& name) {
-    return *std::find_if(std::begin(fusion_test::kFields), std::end(fusion_test::kFields),
-                         [&](const fusion_test::FieldModel& f) { return name == f.name; });
-}
 
 class DriverConsole : public testing::Test {
 protected:
@@ -108,7 +97,6 @@ protected:
         ConsoleArgs cmd(args);
         return pipe.console(&cmd.record, langue);
     }
-    size_t flagsSent() const { return pipe.flags.size(); }
 
     ispdsp_test::Sandbox sandbox;
     ispdsp_test::LogCapture log;
@@ -129,7 +117,7 @@ TEST_F(DriverConsole, EachCommandHoldsItsFieldInBothRecordsAndConfirms) {
             SCOPED_TRACE(std::string(f.name) + " = " + std::to_string(value));
             std::memcpy(records, original, sizeof(original));
             log.clear();
-            const size_t flagsBefore = flagsSent();
+            const size_t flagsBefore = pipe.flags.size();
             EXPECT_EQ(run({f.name, std::to_string(value).c_str()}), 0);
             const int32_t held = std::clamp(value, f.lo, f.hi);
             EXPECT_EQ(fusion_test::readField(f, &records[kStart]), held);
@@ -139,7 +127,7 @@ TEST_F(DriverConsole, EachCommandHoldsItsFieldInBothRecordsAndConfirms) {
             EXPECT_EQ(std::memcmp(records, original, sizeof(original)), 0);
             EXPECT_EQ(log.texts(), std::vector<std::string>{"[DSP_DRV] fusion " + std::string(f.name) + " is " +
                                                              std::to_string(uint32_t(held)) + "\n"});
-            EXPECT_EQ(flagsSent(), flagsBefore + 1);
+            EXPECT_EQ(pipe.flags.size(), flagsBefore + 1);
         }
     }
     EXPECT_EQ(pipe.flags.back().cmdType, ISP_SET_FUSION);
@@ -184,8 +172,9 @@ TEST_F(DriverConsole, CommandLines) {
         log.clear();
         ConsoleArgs cmd(c.args);
         EXPECT_EQ(pipe.console(&cmd.record, 0), c.result);
-        EXPECT_EQ(flagsSent(), c.flags);
-        const fusion_test::FieldModel& f = fieldNamed(c.field);
+        EXPECT_EQ(pipe.flags.size(), c.flags);
+        const auto& f = *std::find_if(std::begin(fusion_test::kFields), std::end(fusion_test::kFields),
+                                      [&](const auto& field) { return std::strcmp(field.name, c.field) == 0; });
         for (int index : {kStart, kEnd}) {
             const int32_t want = c.stored == kUnchanged ? fusion_test::readField(f, &original[index]) : c.stored;
             EXPECT_EQ(fusion_test::readField(f, &records[index]), want) << index;
@@ -211,7 +200,7 @@ TEST_F(DriverConsole, RunParamPrintsTheRunStateAndSendsNoFlag) {
     EXPECT_EQ(texts[2], "[DSP_DRV] dncMode=1,hdrMode=0,imageScene=0,sceneMode=2\n");
     EXPECT_EQ(texts[3], "[DSP_DRV] gainStartIndex=3,gainEndIndex=5\n");
     EXPECT_EQ(texts[4].rfind("[DSP_DRV] [cfg fusion]ep_delta=[", 0), 0u);
-    EXPECT_EQ(flagsSent(), 0u);
+    EXPECT_EQ(pipe.flags.size(), 0u);
     EXPECT_EQ(std::memcmp(records, original, sizeof(original)), 0);  // nothing changed
 }
 
@@ -223,7 +212,7 @@ TEST_F(DriverConsole, NirCurveFromFile) {
     text.back() = '\n';
     sandbox.writeFile("/tmp/nir.txt", text);
     EXPECT_EQ(run({"w_nir", "3"}), 0);
-    EXPECT_EQ(flagsSent(), 1u);
+    EXPECT_EQ(pipe.flags.size(), 1u);
     for (int i = 0; i < FUSION_NIR_POINTS; ++i)
         ASSERT_TRUE(records[kStart].w_nir[i] == i % 256 && records[kEnd].w_nir[i] == i % 256) << i;
 
@@ -231,7 +220,7 @@ TEST_F(DriverConsole, NirCurveFromFile) {
     sandbox.remove("/tmp/nir.txt");
     log.clear();
     EXPECT_EQ(run({"w_nir", "3"}), 0);
-    EXPECT_EQ(flagsSent(), 1u);
+    EXPECT_EQ(pipe.flags.size(), 1u);
     EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispSetDbgDspParam", "[dsp]DRV_dspdbgFusion failed\n"), 1u);
 }
 
@@ -249,10 +238,12 @@ TEST_F(DriverConsole, UnknownNamePrintsTheMenuInEitherLanguage) {
         for (size_t row = 0; row < kMenu.size(); ++row) {
             std::string text = kMenu[row].english;
             if (langue == 1 && !toGbk(kMenu[row].chinese, text)) GTEST_SKIP() << "no GBK converter on this system";
-            EXPECT_EQ(texts[2 + row], menuLine(kMenu[row].name, text)) << kMenu[row].name;
+            char line[512];  // the menu's own layout: the name in ten columns, then ':' in two
+            std::snprintf(line, sizeof(line), "[DSP_DRV] \n%-10s%-2c%s\r\n", kMenu[row].name, ':', text.c_str());
+            EXPECT_EQ(texts[2 + row], line) << kMenu[row].name;
         }
     }
-    EXPECT_EQ(flagsSent(), 0u);
+    EXPECT_EQ(pipe.flags.size(), 0u);
 }
 
 TEST_F(DriverConsole, ArgumentCountBeyondTheRecordIsBounded) {
@@ -262,7 +253,7 @@ TEST_F(DriverConsole, ArgumentCountBeyondTheRecordIsBounded) {
     for (int i = 0; i < DRV_ISP_CMD_MAX_ARGS; ++i) cmd.record.argp[i].pointer = (i % 2 == 0) ? name : value;
     cmd.record.argc = 1000;
     EXPECT_EQ(pipe.console(&cmd.record, 0), 0);
-    EXPECT_EQ(flagsSent(), 16u);  // 16 pairs; the 33rd entry has no value inside the record
+    EXPECT_EQ(pipe.flags.size(), 16u);  // 16 pairs; the 33rd entry has no value inside the record
     EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispSetDbgDspParam", "uv_w need parm\r\n"), 1u);
 
     // A null entry inside the count ends the list.

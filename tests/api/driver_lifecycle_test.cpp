@@ -26,10 +26,6 @@ protected:
         sandbox.writeFile(driver_test::kCommonParamFile,
                           ParamFileBuilder().addTable(PARAM_MULTICOLOR).addTable(PARAM_BLACKWHITE).build());
     }
-    void writeRegistration(int place) {
-        sandbox.writeFile(driver_test::registrationPath(place), driver_test::registrationText({100, 200, 300}));
-    }
-
     ispdsp_test::Sandbox sandbox;
     ispdsp_test::LogCapture log;
     ispdsp_test::DspCapture dsp;
@@ -102,38 +98,50 @@ TEST_F(DriverLifecycle, CreationFillsTheTableAndTheInstance) {
 
 // The common file first, the pipe's own file as the fallback. Without usable
 // tables creation fails, releases everything and leaves no instance reachable
-// from the table; the filled slots then refuse for lack of an instance.
-TEST_F(DriverLifecycle, ParameterFileFallbackAndFailures) {
+// from the table; the filled slots then refuse for lack of an instance. The
+// first registration file found sets registerFlag to its place (1..3); none
+// is an error, and 0.
+TEST_F(DriverLifecycle, ParameterFileFallbackRegistrationAndFailures) {
     const auto good = ParamFileBuilder().addTable(PARAM_MULTICOLOR).addTable(PARAM_TRAFFIC).build();
     const auto corrupt = ParamFileBuilder().addTable(PARAM_MULTICOLOR).corruptChecksum().build();
     const auto badType = ParamFileBuilder().addTable(PARAM_MULTICOLOR).addTable(200).build();
     struct Case {
         std::vector<uint8_t> common, perPipe;  // empty: no file
+        std::vector<int> registrationPlaces;
+        Int32 registerFlag;
         Int32 result;
         LogKind kind;
         const char* function;
         const char* line;
     };
     const Case cases[] = {
-        {{}, good, 0, LogKind::Info, "", "DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"},
-        {corrupt, good, 0, LogKind::Info, "", "DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"},
-        {{}, {}, -1, LogKind::Error, "DRV_dspIspCreateX", "DRV_ispCfgLoad /var/tmp/3/dsp_isp_para.bin failed!\n"},
-        {corrupt, corrupt, -1, LogKind::Error, "DRV_dspIspCreateX",
+        {{}, good, {}, 0, 0, LogKind::Info, "", "DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"},
+        {corrupt, good, {}, 0, 0, LogKind::Info, "", "DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"},
+        {good, {}, {2, 3}, 2, 0, LogKind::Info, "", "DRV_ispRegistrateCfgLoad sucess!\n"},
+        {good, {}, {1, 2, 3}, 1, 0, LogKind::Info, "", "DRV_ispRegistrateCfgLoad sucess!\n"},
+        {{}, {}, {}, 0, -1, LogKind::Error, "DRV_dspIspCreateX",
          "DRV_ispCfgLoad /var/tmp/3/dsp_isp_para.bin failed!\n"},
-        {badType, {}, -1, LogKind::Error, "DRV_ispCommTable2TableX", "Failed to transfer cfg /var/tmp/ failed!\n"},
+        {corrupt, corrupt, {}, 0, -1, LogKind::Error, "DRV_dspIspCreateX",
+         "DRV_ispCfgLoad /var/tmp/3/dsp_isp_para.bin failed!\n"},
+        {badType, {}, {}, 0, -1, LogKind::Error, "DRV_ispCommTable2TableX",
+         "Failed to transfer cfg /var/tmp/ failed!\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.line);
         ispdsp_test::Sandbox files;
         if (!c.common.empty()) files.writeFile(driver_test::kCommonParamFile, c.common);
         if (!c.perPipe.empty()) files.writeFile(driver_test::pipeParamFile(3), c.perPipe);
+        for (int place : c.registrationPlaces)
+            files.writeFile(driver_test::registrationPath(place), driver_test::registrationText({100, 200, 300}));
         HostPipe pipe(3);
-        MemGuard guard;
+        MemGuard guard(c.registrationPlaces.empty());  // the registration arrays stay with the process
         log.clear();
         ASSERT_EQ(pipe.createPipe(), c.result);
         EXPECT_EQ(log.count(c.kind, c.function, c.line), 1u);
         if (c.result == 0) {
             EXPECT_NE(pipe.instance()->dspCfgTables.paramTables[PARAM_TRAFFIC], nullptr);
+            EXPECT_EQ(pipe.instance()->registerFlag, c.registerFlag);
+            if (!c.registrationPlaces.empty()) { EXPECT_EQ(log.count(LogKind::Error), 0u); }
             EXPECT_EQ(pipe.remove(), 0);
             continue;
         }
@@ -166,24 +174,6 @@ TEST_F(DriverLifecycle, RefusedCreations) {
     EXPECT_TRUE(isDriverLine(lines[1], LogKind::Error, "DRV_dspIspCreateX", "Input NULL POINT pCreateParams!\n"));
     EXPECT_EQ(lines[2].text, lines[0].text);
     EXPECT_TRUE(isDriverLine(lines[3], LogKind::Error, "DRV_dspIspCreateX", "Input NULL POINT ispOps!\n"));
-}
-
-TEST_F(DriverLifecycle, RegistrationFileSetsTheRegisterFlagByPlace) {
-    writeCommonParamFile();
-    writeRegistration(2);
-    writeRegistration(3);
-    HostPipe pipe(1);
-    ASSERT_EQ(pipe.createPipe(), 0);
-    EXPECT_EQ(pipe.instance()->registerFlag, 2);
-    EXPECT_TRUE(log.has(LogKind::Info, "", "DRV_ispRegistrateCfgLoad sucess!\n"));
-    EXPECT_EQ(log.count(LogKind::Error), 0u);
-    EXPECT_EQ(pipe.remove(), 0);
-
-    writeRegistration(1);
-    HostPipe second(2);
-    ASSERT_EQ(second.createPipe(), 0);
-    EXPECT_EQ(second.instance()->registerFlag, 1);
-    EXPECT_EQ(second.remove(), 0);
 }
 
 // ---- Flag protocol ----
