@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <cstring>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,6 +33,7 @@ TEST(TableRegistration, EntriesAreUsedInPlaceAndAFailureKeepsTheEntriesBeforeIt)
         Uint32 size;                                   // block bytes handed over (a cut block too)
         std::vector<std::pair<Int32, size_t>> tables;  // type -> entry registered
         const char* error;                             // nullptr: success
+        size_t shift = 0;                              // bytes before the block: misaligned
     } cases[] = {
         {{PARAM_TRAFFIC, PARAM_MULTICOLOR, PARAM_WDR_EVENT_NIGHT}, 3 * kEntry, {{12, 0}, {0, 1}, {119, 2}}, nullptr},
         {{PARAM_TRAFFIC, PARAM_FACE, PARAM_TRAFFIC}, 3 * kEntry, {{12, 2}, {21, 1}}, nullptr},  // the later one wins
@@ -46,11 +48,14 @@ TEST(TableRegistration, EntriesAreUsedInPlaceAndAFailureKeepsTheEntriesBeforeIt)
         {{0, 1}, kEntry - 1, {}, "table entry at 0 is incomplete: 8823 bytes left!\n"},
         {{0, 1}, kEntry + 4, {{0, 0}}, "table entry at 8824 is incomplete: 4 bytes left!\n"},
         {{0, 1}, 2 * kEntry - 1, {{0, 0}}, "table entry at 8824 is incomplete: 8823 bytes left!\n"},
+        {{PARAM_MULTICOLOR}, kEntry, {}, "is not aligned for its tables!\n", 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.size);
         std::vector<uint8_t> bytes = blockOf(c.types);
-        auto* block = static_cast<Uint8*>(OSA_memUAllocAlign(c.size, 0));  // exactly the block: ASan sees overruns
+        // Exactly the block (ASan sees overruns), `shift` bytes into an aligned allocation.
+        auto* allocated = static_cast<Uint8*>(OSA_memUAllocAlign(c.shift + c.size, 0));
+        Uint8* block = allocated + c.shift;
         std::memcpy(block, bytes.data(), c.size);
         CFG_IspParamTable header{};
         header.cfg_specParam.size = c.size;
@@ -64,25 +69,8 @@ TEST(TableRegistration, EntriesAreUsedInPlaceAndAFailureKeepsTheEntriesBeforeIt)
         EXPECT_EQ(std::memcmp(&set, &expected, sizeof set), 0);
         EXPECT_EQ(log.lines().size(), c.error ? 1u : 0u);
         EXPECT_EQ(c.error ? log.count(LogKind::Error) + log.count(c.error) : 2u, 2u);
-        OSA_memUFree(block);
+        OSA_memUFree(allocated);
     }
-}
-
-TEST(TableRegistration, NullArgumentsAndAMisalignedBlockAreRefused) {
-    std::vector<uint8_t> bytes = blockOf({PARAM_MULTICOLOR});
-    bytes.insert(bytes.begin(), 0);
-    CFG_IspParamTable header{};
-    header.cfg_specParam.size = kEntry;
-    CFG_DspIspCfgTables set{};
-    ispdsp_test::LogCapture log;
-    EXPECT_EQ(DRV_ispCommonTable2DspTable(nullptr, bytes.data(), set.paramTables), -1);
-    EXPECT_EQ(DRV_ispCommonTable2DspTable(&header, nullptr, set.paramTables), -1);
-    EXPECT_EQ(DRV_ispCommonTable2DspTable(&header, bytes.data(), nullptr), -1);
-    EXPECT_EQ(log.count("dspIspParam is NULL or commTable is NULL!\n"), 3u);
-    EXPECT_EQ(DRV_ispCommonTable2DspTable(&header, bytes.data() + 1, set.paramTables), -1);
-    EXPECT_EQ(log.count("is not aligned for its tables!\n"), 1u);
-    const CFG_DspIspCfgTables untouched{};
-    EXPECT_EQ(std::memcmp(&set, &untouched, sizeof set), 0);
 }
 
 // ---- Selection ----
@@ -126,15 +114,14 @@ int expectedFallback(int type, const std::vector<bool>& present) {
     return -1;
 }
 
-std::vector<CFG_ispParamCondition> states(bool wide) {
+// Every camera state, with values outside each field's range.
+std::vector<CFG_ispParamCondition> states() {
     std::vector<CFG_ispParamCondition> all;
-    const std::vector<Int32> dnc = wide ? std::vector<Int32>{0, 1, -7} : std::vector<Int32>{0, 1};
-    const std::vector<Int32> hdr = wide ? std::vector<Int32>{0, 1, 4, 5, 12, -4} : std::vector<Int32>{0, 4, 5};
-    const std::vector<Uint32> mode = wide ? std::vector<Uint32>{0, 1, 2, 3, 0x80000002u} : std::vector<Uint32>{0, 2};
-    for (Int32 scene = wide ? -1 : 0; scene <= (wide ? 15 : 13); ++scene)
-        for (Int32 d : (wide || scene != 3 ? dnc : std::vector<Int32>{}))
-            for (Int32 h : hdr)
-                for (Uint32 m : mode) all.push_back({d, h, m, scene == 15 ? INT32_MIN : scene, {7, 7, 7, 7}});
+    for (Int32 scene = -1; scene <= 15; ++scene)
+        for (Int32 d : {0, 1, -7})
+            for (Int32 h : {0, 1, 4, 5, 12, -4})
+                for (Uint32 m : {0u, 1u, 2u, 3u, 0x80000002u})
+                    all.push_back({d, h, m, scene == 15 ? INT32_MIN : scene, {7, 7, 7, 7}});
     return all;
 }
 
@@ -158,23 +145,12 @@ void expectSelection(CFG_DspIspCfgTables& set, CFG_ispParamCondition state, Choi
     ASSERT_TRUE(log.lines().empty());
 }
 
-TEST(TableSelection, EveryStateSelectsItsMapRowFromAFullSet) {
-    std::vector<CFG_DspIspCfgParam> tables(PARAM_TABLE_TYPE_NUM);
-    CFG_DspIspCfgTables set{};
-    for (int t = 0; t < PARAM_TABLE_TYPE_NUM; ++t) set.paramTables[t] = &tables[t];
-    set.lastTableIdx = 777;
-    size_t matched = 0;
-    for (const CFG_ispParamCondition& s : states(true)) {
-        SCOPED_TRACE(testing::Message() << s.realDncMode << " " << s.hdrMode << " " << s.sceneMode << " " << s.imageScene);
-        const Choice want = expectedChoice(s);
-        matched += want.row >= 0;
-        expectSelection(set, s, want, "): Failed to get current adj state!\n");
-    }
-    EXPECT_EQ(matched, 13u * 3 * 6 * 5);
-}
-
-TEST(TableSelection, MissingTablesFallBackOrFailKeepingThePreviousChoice) {
+// Over every state and many sets of present tables (the full set among them): the state's map
+// row with its table or the table's replacement, or -1 with the previous choice kept.
+TEST(TableSelection, EveryStateSelectsItsMapRowAndFallsBackOrFailsKeepingThePreviousChoice) {
     std::vector<std::vector<int>> sets = {{}, {0}, {1}, {5}, {7, 9, 11}, {2, 3}, {4, 1}, {1, 2}, {2, 4}, {66}, {67, 1}, {119}, {12, 13}, {6, 10, 8}};
+    sets.emplace_back(PARAM_TABLE_TYPE_NUM);
+    std::iota(sets.back().begin(), sets.back().end(), 0);
     uint32_t seed = 12345;
     for (int n = 0; n < 16; ++n) {
         std::vector<int> some;
@@ -187,25 +163,41 @@ TEST(TableSelection, MissingTablesFallBackOrFailKeepingThePreviousChoice) {
     std::vector<CFG_DspIspCfgParam> tables(PARAM_TABLE_TYPE_NUM);
     for (const auto& types : sets) {
         CFG_DspIspCfgTables set{};
+        set.lastTableIdx = 777;
         std::vector<bool> present(PARAM_TABLE_TYPE_NUM);
         for (int t : types) {
             set.paramTables[t] = &tables[t];
             present[t] = true;
         }
-        for (const CFG_ispParamCondition& s : states(false)) {
+        for (const CFG_ispParamCondition& s : states()) {
             SCOPED_TRACE(testing::Message() << types.size() << " tables, state " << s.realDncMode << " " << s.hdrMode << " "
                                             << s.sceneMode << " " << s.imageScene);
             Choice want = expectedChoice(s);
-            want.type = expectedFallback(want.type, present);
-            expectSelection(set, s, want, "We failed to find other suitable param instead! The program should be terminated!\n");
+            if (want.row >= 0) want.type = expectedFallback(want.type, present);
+            expectSelection(set, s, want,
+                            want.row < 0 ? "): Failed to get current adj state!\n"
+                                         : "We failed to find other suitable param instead! The program should be terminated!\n");
         }
     }
-    ispdsp_test::LogCapture log;
+}
+
+// Null arguments of both functions: -1, one error line each, nothing touched.
+TEST(TableSet, NullArgumentsAreRefused) {
+    std::vector<uint8_t> bytes = blockOf({PARAM_MULTICOLOR});
+    CFG_IspParamTable header{};
+    header.cfg_specParam.size = kEntry;
     CFG_DspIspCfgTables set{};
+    const CFG_DspIspCfgTables untouched{};
+    CFG_ispParamCondition state = states()[0];
+    ispdsp_test::LogCapture log;
+    EXPECT_EQ(DRV_ispCommonTable2DspTable(nullptr, bytes.data(), set.paramTables), -1);
+    EXPECT_EQ(DRV_ispCommonTable2DspTable(&header, nullptr, set.paramTables), -1);
+    EXPECT_EQ(DRV_ispCommonTable2DspTable(&header, bytes.data(), nullptr), -1);
     EXPECT_EQ(DRV_ispChooseCurParamDSP(nullptr, &set), -1);
-    CFG_ispParamCondition state = states(false)[0];
     EXPECT_EQ(DRV_ispChooseCurParamDSP(&state, nullptr), -1);
+    EXPECT_EQ(log.count("dspIspParam is NULL or commTable is NULL!\n"), 3u);
     EXPECT_EQ(log.count("cfgConditon is NULL or dspCfgTables is NULL!\n"), 2u);
+    EXPECT_EQ(std::memcmp(&set, &untouched, sizeof set), 0);
 }
 
 }  // namespace
