@@ -52,30 +52,29 @@ protected:
 };
 
 TEST_F(ParamFile, HeaderBlockAndLogLinesRoundTrip) {
-    ParamFileBuilder tables;
-    tables.dateTime("2024-05-17 09:30:00").subVersion(2.25f).archName("ISPDSP-SOC").productName("CAM-X");
-    tables.addTable(PARAM_MULTICOLOR).addTable(PARAM_TRAFFIC);
     // Text fields end at their first NUL or their end (32 characters, no NUL); a block of 5 bytes.
-    ParamFileBuilder texts;
-    texts.dateTime(std::string(32, 'D')).subVersion(std::nextafter(1.0f, 2.0f)).archName(std::string("chip\0tail", 9));
-    texts.productName("").rawBlock({1, 2, 3, 4, 5});
-    const std::vector<std::vector<std::string>> lines = {
-        {"the isp cfg ver: 82981.000\n", "the isp cfg date time is: 2024-05-17 09:30:00\n", "the isp cfg subVer is: 2.250\n",
-         "the isp cfg chipName is: ISPDSP-SOC\n", "the isp cfg pdtName is: CAM-X\n"},
-        {"the isp cfg ver: 82981.000\n", "the isp cfg date time is: " + std::string(32, 'D') + "\n",
-         "the isp cfg subVer is: 1.000\n", "the isp cfg chipName is: chip\n", "the isp cfg pdtName is: \n"}};
-    for (const ParamFileBuilder* b : {&tables, &texts}) {
-        write(*b);
+    const struct {
+        ParamFileBuilder file;
+        std::vector<std::string> lines;  // between the version line and the last
+    } cases[] = {
+        {ParamFileBuilder().dateTime("2024-05-17 09:30:00").subVersion(2.25f).archName("ISPDSP-SOC").productName("CAM-X")
+             .addTable(PARAM_MULTICOLOR).addTable(PARAM_TRAFFIC),
+         {"date time is: 2024-05-17 09:30:00", "subVer is: 2.250", "chipName is: ISPDSP-SOC", "pdtName is: CAM-X"}},
+        {ParamFileBuilder().dateTime(std::string(32, 'D')).subVersion(std::nextafter(1.0f, 2.0f))
+             .archName(std::string("chip\0tail", 9)).productName("").rawBlock({1, 2, 3, 4, 5}),
+         {"date time is: " + std::string(32, 'D'), "subVer is: 1.000", "chipName is: chip", "pdtName is: "}}};
+    for (const auto& c : cases) {
+        write(c.file);
         header = {};
         log.clear();
         MemGuard mem(false);
         ASSERT_EQ(read(), 0);
-        const CFG_IspParamTable want = b->expectedHeader();
+        const CFG_IspParamTable want = c.file.expectedHeader();
         EXPECT_EQ(bytesOf(&header, sizeof header), bytesOf(&want, sizeof want));
-        EXPECT_EQ(bytesOf(buffer, header.cfg_specParam.size), b->blockBytes());
-        EXPECT_EQ(mem.liveBytes(), static_cast<int64_t>(b->blockBytes().size()));
-        std::vector<std::string> expected;
-        for (const auto& text : lines[b == &texts]) expected.push_back("[DSP_DRV] " + text);
+        EXPECT_EQ(bytesOf(buffer, header.cfg_specParam.size), c.file.blockBytes());
+        EXPECT_EQ(mem.liveBytes(), static_cast<int64_t>(c.file.blockBytes().size()));
+        std::vector<std::string> expected = {"[DSP_DRV] the isp cfg ver: 82981.000\n"};
+        for (const auto& text : c.lines) expected.push_back("[DSP_DRV] the isp cfg " + text + "\n");
         expected.push_back("[DSP_DRV] OK, use isp cfg:/var/tmp/dsp_isp_para.bin\n");
         EXPECT_EQ(log.texts(), expected);
         EXPECT_EQ(log.count(LogKind::Info), expected.size());
@@ -85,12 +84,11 @@ TEST_F(ParamFile, HeaderBlockAndLogLinesRoundTrip) {
 }
 
 TEST_F(ParamFile, NullArgumentsAndOpenSeekAndTellFailuresReturnMinusOne) {
-    EXPECT_EQ(DRV_ispCfgLoad(nullptr, kVer, &header, &buffer), -1);
-    EXPECT_EQ(DRV_ispCfgLoad(kPath, kVer, nullptr, &buffer), -1);
-    EXPECT_EQ(DRV_ispCfgLoad(kPath, kVer, &header, nullptr), -1);
-    EXPECT_EQ(DRV_ispCfgReadCheckParam(nullptr, kVer, &header, &buffer), -1);
-    EXPECT_EQ(DRV_ispCfgReadCheckParam(kPath, kVer, nullptr, &buffer), -1);
-    EXPECT_EQ(DRV_ispCfgReadCheckParam(kPath, kVer, &header, nullptr), -1);
+    for (auto* reader : {&DRV_ispCfgLoad, &DRV_ispCfgReadCheckParam}) {
+        EXPECT_EQ(reader(nullptr, kVer, &header, &buffer), -1);
+        EXPECT_EQ(reader(kPath, kVer, nullptr, &buffer), -1);
+        EXPECT_EQ(reader(kPath, kVer, &header, nullptr), -1);
+    }
     EXPECT_EQ(log.count(LogKind::Error, "DRV_ispCfgLoad", "Invalid arg\n"), 3u);
     EXPECT_EQ(log.count(LogKind::Error, "DRV_ispCfgReadCheckParam", "Invalid arg\n"), 3u);
 
