@@ -22,11 +22,8 @@ struct CommandCase {
     std::string stdoutTo = {};       // empty: captured
 };
 
-std::string expand(std::string text, const TempDir& dir) {
-    for (auto [key, value] : {std::pair<std::string, std::string>{"{d}", dir.path("")}, {"{s}", sampleDir() + "/"}}) {
-        for (size_t at; (at = text.find(key)) != std::string::npos;) text.replace(at, key.size(), value);
-    }
-    return text;
+std::string expand(const std::string& text, const TempDir& dir) {
+    return tooltest::expand(text, {{"{d}", dir.path("")}, {"{s}", sampleDir() + "/"}});
 }
 
 void storeWord(std::vector<uint8_t>& bytes, size_t at, uint64_t v) {
@@ -56,12 +53,12 @@ void prepare(const TempDir& dir) {
              {"trail.bin", trail}, {"short.bin", std::vector<uint8_t>(112, 0)}, {"odd.bin", serializeParamFile(image)},
              {"nosum.bin", head(good.size() - 2)}, {"stale.bin", stale}, {"s.bin", good}, {"bad.bin", bad},
              {"cut.bin", head(5000)}, {"junk.bin", junk}})
-        writeBytes(dir.path(name), bytes);
+        dir.write(name, bytes);
     for (const auto& [name, text] : std::initializer_list<std::pair<const char*, std::string>>{
-             {"s.json", readText(sampleSourcePath())}, {"empty.json", "{\"tables\": []}"},
+             {"s.json", readFile(sampleSourcePath())}, {"empty.json", "{\"tables\": []}"},
              {"flag.json", "{\"tables\": [{\"type\": \"PARAM_MULTICOLOR\", \"ispFusionFlag\": 1}]}"}, {"zero", ""},
              {"notes.txt", "tuning notes\n"}})
-        writeText(dir.path(name), text);
+        dir.write(name, text);
 }
 
 const char* const kFolder = "is a directory, not a file";
@@ -135,7 +132,7 @@ TEST(CommandTable, EachCommandSaysWhatIsWrongAndExitsByTheRule) {
     }
     unsetenv("ISPDSP_ROOT");
     EXPECT_FALSE(std::filesystem::exists(dir.path("x.bin")));  // nothing the driver rejects is written
-    EXPECT_EQ(readText(dir.path("s.json")), readText(sampleSourcePath()));
+    EXPECT_EQ(readFile(dir.path("s.json")), readFile(sampleSourcePath()));
 }
 
 // Damaged parameter files of every length, in process: each command answers with a status.
@@ -146,8 +143,7 @@ TEST(CommandTable, DamagedFilesNeverThrow) {
     for (int round = 0; round < 40; ++round) {
         std::vector<uint8_t> bytes(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(rng() % good.size()));
         for (int flips = 0; flips < 4 && !bytes.empty(); ++flips) bytes[rng() % bytes.size()] ^= 1u << (rng() % 8);
-        const std::string path = dir.path("damaged.bin");
-        writeBytes(path, bytes);
+        const std::string path = dir.write("damaged.bin", bytes);
         std::ostringstream out, err;
         EXPECT_NO_THROW(for (int status : {runCheck(path, out, err), runDump({path, dir.path("d.json")}, out, err),
                                            runDiff(path, path, out, err), runSelect({path, true, {}}, out, err),

@@ -38,7 +38,7 @@ TEST(Check, EachValueOutsideItsRangeIsAWarningWithItsPlace) {
     TempDir dir;
     ParamFileImage image = sampleImage();
     for (const Seeded& s : kSeeded) setField(tableOf(image, s.type), s.record, s.step, s.name, s.value);
-    writeBytes(dir.path("seeded.bin"), serializeParamFile(image));
+    dir.write("seeded.bin", serializeParamFile(image));
     const RunResult r = run([&](auto& out, auto& err) { return runCheck(dir.path("seeded.bin"), out, err); });
     EXPECT_EQ(r.status, kExitFindings);
     for (const Seeded& s : kSeeded)
@@ -69,8 +69,8 @@ TEST(Diff, NamesTheTableAndFieldOfEachChange) {
     b.entries.push_back(a.entries[0]);
     b.entries.back().type = PARAM_EVENT;
     b.entries[0].bytes[kFusionOffset + 2 * kStepBytes + kNirOffset + 100] ^= 0x10;
-    writeBytes(dir.path("a.bin"), serializeParamFile(a));
-    writeBytes(dir.path("b.bin"), serializeParamFile(b));
+    dir.write("a.bin", serializeParamFile(a));
+    dir.write("b.bin", serializeParamFile(b));
     const RunResult r = run([&](auto& out, auto& err) { return runDiff(dir.path("a.bin"), dir.path("b.bin"), out, err); });
     EXPECT_EQ(r.status, kExitFindings);
     for (const std::string& line :

@@ -26,7 +26,7 @@ TEST(RoundTrip, SampleSourceBuildsTheCommittedBinaryAndDumpsBackToIt) {
         << "rebuild it: cmake --build <dir> --target ispdsp-sample-param-file";
     const RunResult dumped = runExe("dump " + sampleBinaryPath() + " -o -");
     ASSERT_EQ(dumped.status, kExitOk) << dumped.err;
-    writeText(dir.path("dumped.json"), dumped.out);
+    dir.write("dumped.json", dumped.out);
     EXPECT_EQ(runExe("build " + dir.path("dumped.json") + " -o " + dir.path("re.bin")).status, kExitOk);
     EXPECT_EQ(readBytes(dir.path("re.bin")), committed);
 }
@@ -119,7 +119,7 @@ const std::pair<std::string, std::string> kMistakes[] = {  // source, message af
 TEST(BuildErrors, NameTheirPlaceAndWriteNothing) {
     TempDir dir;
     for (const auto& [source, message] : kMistakes) {
-        writeText(dir.path("src.json"), source);
+        dir.write("src.json", source);
         const RunResult r =
             run([&](auto& out, auto& err) { return runBuild({dir.path("src.json"), dir.path("out.bin")}, out, err); });
         EXPECT_EQ(r.status, kExitError) << source;

@@ -10,6 +10,8 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace tooltest {
 
@@ -31,8 +33,11 @@ public:
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
     std::string path(const std::string& name) const { return (dir_ / name).string(); }
-    std::string write(const std::string& name, const std::string& content) const {
-        std::ofstream(path(name), std::ios::binary) << content;
+    // Writes text or bytes to the file `name`; returns its path.
+    template <class Content>
+    std::string write(const std::string& name, const Content& content) const {
+        std::ofstream(path(name), std::ios::binary)
+            .write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
         return path(name);
     }
 
@@ -40,6 +45,13 @@ private:
     std::filesystem::path dir_;
     std::error_code ec_;
 };
+
+// `text` with every key of `values` replaced by its value ("{d}" -> the test folder).
+inline std::string expand(std::string text, const std::vector<std::pair<std::string, std::string>>& values) {
+    for (const auto& [key, value] : values)
+        for (size_t at; (at = text.find(key)) != std::string::npos;) text.replace(at, key.size(), value);
+    return text;
+}
 
 struct RunResult {
     int status;

@@ -15,14 +15,9 @@ namespace ispcfg_test {
 using tooltest::RunResult;
 using tooltest::TempDir;
 
-inline void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()),
-                                                static_cast<std::streamsize>(bytes.size()));
-}
-inline void writeText(const std::string& path, const std::string& text) { writeBytes(path, {text.begin(), text.end()}); }
-inline std::string readText(const std::string& path) { return tooltest::readFile(path); }
+using tooltest::readFile;
 inline std::vector<uint8_t> readBytes(const std::string& path) {
-    const std::string text = readText(path);
+    const std::string text = readFile(path);
     return {text.begin(), text.end()};
 }
 

@@ -8,16 +8,15 @@
 
 namespace {
 
+using namespace std::string_literals;
 using simtest::Json;
 
 bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
-std::string expand(std::string arg, const simtest::TempDir& tmp) {
-    for (const auto& [key, value] : {std::pair<std::string, std::string>{"{tmp}", tmp.path("")},
-                                     {"{sample}", simtest::samplePath("")},
-                                     {"{scenario}", simtest::scenarioPath("gain_sweep")}})
-        for (size_t at; (at = arg.find(key)) != std::string::npos;) arg.replace(at, key.size(), value);
-    return arg;
+std::string expand(const std::string& arg, const simtest::TempDir& tmp) {
+    return tooltest::expand(arg, {{"{tmp}", tmp.path("")},
+                                  {"{sample}", simtest::samplePath("")},
+                                  {"{scenario}", simtest::scenarioPath("gain_sweep")}});
 }
 
 struct CliCase {
@@ -66,7 +65,7 @@ const CliCase kCases[] = {
 TEST(Cli, ExitStatusAndMessage) {
     for (const CliCase& c : kCases) {
         simtest::TempDir tmp;
-        if (c.scenario != nullptr) tmp.write("s.json", c.scenario);
+        if (c.scenario != nullptr) tmp.write("s.json", std::string(c.scenario));
         std::vector<std::string> args;
         for (const std::string& arg : c.args) args.push_back(expand(arg, tmp));
         const simtest::SimResult run = simtest::runSim(args);
@@ -105,7 +104,7 @@ TEST(Signals, HangUpRemovesTheSandbox) {
                   "export TMPDIR=\"$1\"; mkfifo \"$1/in\"\n"
                   "\"$2\" --console --frames 1 <\"$1/in\" >/dev/null 2>&1 & sim=$!; exec 3>\"$1/in\"\n"
                   "for i in $(seq 100); do ls \"$1\" | grep -q ispdsp-sim- && break; sleep 0.1; done\n"
-                  "sleep 0.5; kill -HUP $sim; wait $sim; echo $? >\"$1/status\"; exec 3>&-; rm \"$1/in\" \"$1/hup.sh\"\n");
+                  "sleep 0.5; kill -HUP $sim; wait $sim; echo $? >\"$1/status\"; exec 3>&-; rm \"$1/in\" \"$1/hup.sh\"\n"s);
     ASSERT_EQ(std::system(("bash '" + script + "' '" + tmp.path("") + "' '" + ISPDSP_SIM_EXE + "'").c_str()), 0);
     EXPECT_EQ(simtest::readFile(tmp.path("status")), "130\n");
     std::filesystem::remove(tmp.path("status"));
