@@ -12,11 +12,6 @@ namespace {
 
 using simtest::Json;
 
-std::vector<Json> runConsole(const std::string& input, std::vector<std::string> extra = {}) {
-    extra.insert(extra.begin(), {"--frames", "3", "--console", simtest::scenarioPath("gain_sweep")});
-    return simtest::runJson(extra, input);
-}
-
 // A pipe's FUSION message of a frame.
 Json fusionOf(const std::vector<Json>& events, int64_t frame, const std::string& pipe = "color") {
     for (const Json& m : simtest::messagesOf(events, "FUSION", pipe))
@@ -33,14 +28,43 @@ std::vector<int> consoleResults(const std::vector<Json>& events) {
     return out;
 }
 
-TEST(Console, EpDeltaAndNirCurveChangeTheNextFramesFusionMessage) {
-    // The FUSION message carries |colour - mono|. Setting the colour pipe's ep_delta to its
-    // lower and then its upper bound gives M - 1 and 16383 - M for the mono pipe's unchanged
-    // value M: their sum is 16382 whatever M is. Then w_nir 0 loads the curve of nir.txt
-    // (30 .. 215) into the colour pipe: the combined curve of the next frame changes.
-    const std::vector<Json> events = runConsole("ep_delta 1\naewDebug ep_delta 16383\nw_nir 0\nquit\n");
+// Every second frame the console reads commands until "continue"; "exit" ends the run. w_nir 0
+// loads the curve of nir.txt (30 .. 215) into the colour pipe: the combined curve of the console's
+// frame, whose inputs are those of the frame before, changes. An unknown name is a real failure
+// and prints the menu in the chosen language.
+TEST(Console, EveryNFramesPausesUntilContinueOrExit) {
+    const std::vector<Json> events =
+        simtest::runJson({"--frames", "6", "--console-every", "2", "--lang", "zh", simtest::scenarioPath("gain_sweep")},
+                         "w_nir 0\ncontinue\nbogus 1\nexit\nep_delta 5\n");
+    std::vector<std::string> sources;
     const auto frames = simtest::eventsOf(events, "frame");
-    ASSERT_EQ(frames.size(), 6u);  // three scenario frames, one per command
+    for (const Json& frame : frames) sources.push_back(frame["source"]);
+    EXPECT_EQ(sources, (std::vector<std::string>{"scenario", "scenario", "console", "scenario", "scenario", "console"}));
+    EXPECT_EQ(simtest::eventsOf(events, "console")[0]["frame"], 1);  // after the second frame
+    EXPECT_EQ(frames[2]["inputs"], frames[1]["inputs"]);              // the last state holds
+    EXPECT_NE(fusionOf(events, 2)["w_nir"], fusionOf(events, 1)["w_nir"]);
+    EXPECT_EQ(consoleResults(events), (std::vector<int>{0, -1}));  // nothing after exit
+    EXPECT_EQ(events.back()["failedCalls"], 1);
+    bool menu = false;
+    for (const Json& log : simtest::eventsOf(events, "log"))
+        menu = menu || log["text"].get<std::string>().find("ep_delta  : 数据模糊") != std::string::npos;
+    EXPECT_TRUE(menu);
+}
+
+// One session. The FUSION message carries |colour - mono|. Setting the colour pipe's ep_delta to
+// its lower bound and then past its upper bound (clamped) gives M - 1 and 16383 - M for the mono
+// pipe's unchanged value M: their sum is 16382 whatever M is. Values the driver reads differently
+// are named before they reach it, help is the menu and no failure, and "save" writes a
+// tuning.json that ispdsp-cfg rebuilds into the sample plus exactly the accepted changes. Frame 2
+// of the gain sweep blends records 2 and 3.
+TEST(Console, TunesWarnsExplainsAndSavesWhatWasTuned) {
+    simtest::TempDir dir;
+    const std::string saved = dir.path("tuned.json");
+    const std::vector<Json> events = simtest::runJson(
+        {"--frames", "3", "--console", "--save-tuning", dir.path("end.json"), simtest::scenarioPath("gain_sweep")},
+        "ep_delta 1\naewDebug ep_delta 20000\nnir_k abc\nuv_w 7x\nhelp\nsave " + saved + "\n");
+    const auto frames = simtest::eventsOf(events, "frame");
+    ASSERT_EQ(frames.size(), 7u);  // three scenario frames, one per accepted change
     EXPECT_EQ(frames[3]["source"], "console");
     EXPECT_EQ(frames[3]["inputs"], frames[2]["inputs"]);  // the last state holds
     Json before = fusionOf(events, 2)["fields"], low = fusionOf(events, 3)["fields"];
@@ -49,47 +73,16 @@ TEST(Console, EpDeltaAndNirCurveChangeTheNextFramesFusionMessage) {
     before.erase("ep_delta");
     low.erase("ep_delta");
     EXPECT_EQ(before, low);  // only ep_delta moved
-    EXPECT_NE(fusionOf(events, 5)["w_nir"], fusionOf(events, 4)["w_nir"]);
-    EXPECT_EQ(consoleResults(events), (std::vector<int>{0, 0, 0}));
-    EXPECT_EQ(events.back()["consoleChanges"], 3);  // one flag request per accepted change
-}
-
-TEST(Console, UnknownCommandPrintsTheChineseMenuAndExitEndsTheSession) {
-    const std::vector<Json> events = runConsole("bogus 1\nexit\nep_delta 5\n", {"--lang", "zh"});
-    EXPECT_EQ(consoleResults(events).size(), 1u);  // nothing after exit
-    EXPECT_EQ(events.back()["failedCalls"], 1);    // a real failure: an unknown name
-    bool menu = false;
-    for (const Json& log : simtest::eventsOf(events, "log"))
-        menu = menu || log["text"].get<std::string>().find("ep_delta  : 数据模糊") != std::string::npos;
-    EXPECT_TRUE(menu);
-}
-
-TEST(Console, EveryNFramesPausesUntilContinue) {
-    const std::vector<Json> events = simtest::runJson(
-        {"--frames", "4", "--console-every", "2", simtest::scenarioPath("gain_sweep")}, "ep_delta 100\ncontinue\n");
-    std::vector<std::string> sources;
-    for (const Json& frame : simtest::eventsOf(events, "frame")) sources.push_back(frame["source"]);
-    EXPECT_EQ(sources, (std::vector<std::string>{"scenario", "scenario", "console", "scenario", "scenario"}));
-    EXPECT_EQ(simtest::eventsOf(events, "console")[0]["frame"], 1);  // after the second frame
-}
-
-// One session: values the driver reads differently are named before they reach it, help is the
-// menu and no failure, and "save" writes a tuning.json that ispdsp-cfg rebuilds into the sample
-// plus exactly the accepted changes. Frame 2 of the gain sweep blends records 2 and 3.
-TEST(Console, WarnsExplainsAndSavesWhatWasTuned) {
-    simtest::TempDir dir;
-    const std::string saved = dir.path("tuned.json");
-    const std::vector<Json> events = runConsole("ep_delta 20000\nnir_k abc\nuv_w 7x\nhelp\nsave " + saved + "\n",
-                                                {"--save-tuning", dir.path("end.json")});
     std::vector<std::string> warnings;
     for (const Json& w : simtest::eventsOf(events, "warning")) warnings.push_back(w["message"]);
     EXPECT_EQ(warnings, (std::vector<std::string>{"ep_delta: 20000 is outside 1 to 16383: it will be clamped to 16383",
                                                   "nir_k: \"abc\" is not a number: the driver reads it as 0",
                                                   "uv_w: the driver reads \"7x\" as 7 (it stops at \"x\")"}));
     // By design: the pair's first fusion call and the menu; nothing failed.
+    EXPECT_EQ(consoleResults(events), (std::vector<int>{0, 0, 0, 0, -1}));
     EXPECT_EQ(events.back()["expectedResults"], 2);
     EXPECT_EQ(events.back()["failedCalls"], 0);
-    EXPECT_EQ(events.back()["consoleChanges"], 3);
+    EXPECT_EQ(events.back()["consoleChanges"], 4);  // one flag request per accepted change
     EXPECT_TRUE(simtest::messagesOf(events, "FUSION", "color")[0].contains("expected"));
     ASSERT_EQ(simtest::eventsOf(events, "saved").size(), 2u);
     EXPECT_EQ(simtest::readFile(saved), simtest::readFile(dir.path("end.json")));

@@ -1,7 +1,18 @@
-// What each bundled scenario must show, worked out independently of the simulator's output:
-// frame counts and inputs from the scenario files, the zoom bands from the sample registration
-// file, the output modes of the standby switch, the tables that the sample parameter file
-// holds, and the symmetry of the colour/mono combination.
+// Every bundled scenario, run once: its JSON output compared line by line with the golden file
+// committed under tests/golden/, and what it must show worked out independently of the
+// simulator's output: frame counts and inputs from the scenario files, the zoom bands from the
+// sample registration file, the output modes of the standby switch, the tables that the sample
+// parameter file holds, and the symmetry of the colour/mono combination.
+//
+// The golden comparison masks the driver's source line numbers inside log lines
+// ("(function|123)"), the library's file name (it carries the build's version) and the absolute
+// input paths (they name the checkout), so editing the library's sources does not disturb it;
+// anything else that changes what reaches the DSP does. After a deliberate change (driver
+// messages, sample data, scenarios), regenerate the golden files and review the diff:
+//   cmake --build <build dir> --target ispdsp-sim-golden
+// or for one scenario (from the source folder):
+//   <build dir>/tools/ispdsp-sim/ispdsp-sim --json --no-progress data/sample/scenarios/gain_sweep.json
+//       -o tools/ispdsp-sim/tests/golden/gain_sweep.jsonl
 #include <gtest/gtest.h>
 
 #include <map>
@@ -18,11 +29,6 @@ using simtest::eventsOf;
 using simtest::Json;
 using simtest::messagesOf;
 
-std::vector<Json> runScenario(const std::string& name, std::vector<std::string> extra = {}) {
-    extra.insert(extra.begin(), simtest::scenarioPath(name));
-    return simtest::runJson(extra);
-}
-
 // Events of one frame.
 std::vector<Json> inFrame(const std::vector<Json>& events, int64_t frame) {
     std::vector<Json> out;
@@ -36,8 +42,8 @@ int outputMode(int pSwitch) { return pSwitch == 0 ? 3 : pSwitch == 1 ? 1 : pSwit
 
 int fieldOf(const Json& message, const char* field) { return message["fields"][field]; }
 
-TEST(GainSweep, BothPipesCombineTheSameDifferenceAndMarkItsRange) {
-    const std::vector<Json> events = runScenario("gain_sweep");
+// Both pipes combine the same difference and mark its range.
+void gainSweep(const std::vector<Json>& events) {
     ASSERT_EQ(eventsOf(events, "frame").size(), 16u);
     // Every frame, both pipes: one switch message and one fusion message. (The switch's output
     // mode is checked by the day/night test, the zoom band by the zoom sweep.)
@@ -69,7 +75,8 @@ TEST(GainSweep, BothPipesCombineTheSameDifferenceAndMarkItsRange) {
     for (const Json& m : eventsOf(events, "message")) EXPECT_FALSE(m.contains("stray")) << m.dump();
 }
 
-TEST(ZoomSweep, IrMessagesFollowTheZoomBands) {
+// IR messages follow the zoom bands.
+void zoomSweep(const std::vector<Json>& events) {
     // The zoom positions of the sample registration file, in file order.
     std::vector<int> zooms;
     std::istringstream in(simtest::readFile(simtest::samplePath("calibration.txt")));
@@ -77,7 +84,6 @@ TEST(ZoomSweep, IrMessagesFollowTheZoomBands) {
     for (std::string line; std::getline(in, line);)
         if (std::regex_search(line, match, std::regex(R"(^ZOOM:\s*(-?[0-9]+))"))) zooms.push_back(std::stoi(match[1]));
     ASSERT_EQ(zooms.size(), 5u);
-    const std::vector<Json> events = runScenario("zoom_sweep");
     // Expected: the first listed position at or above the zoom; beyond the list the band
     // stays; a message only when the band changes.
     std::map<int64_t, int> expected, actual;
@@ -96,8 +102,8 @@ TEST(ZoomSweep, IrMessagesFollowTheZoomBands) {
     EXPECT_GE(actual.size(), zooms.size());  // every band is visited
 }
 
-TEST(DayNightHdr, TablesAndSwitchFollowTheCameraState) {
-    const std::vector<Json> events = runScenario("day_night_hdr");
+// Tables and the switch follow the camera state.
+void dayNightHdr(const std::vector<Json>& events) {
     ASSERT_EQ(eventsOf(events, "frame").size(), 16u);
     // The refresh hands the driver sceneMode 0: only colour and HDR mode choose.
     const std::map<int, std::string> colourTables = {
@@ -125,8 +131,8 @@ TEST(DayNightHdr, TablesAndSwitchFollowTheCameraState) {
     }
 }
 
-TEST(SceneChange, EachSceneChoosesItsTableOrFallsBack) {
-    const std::vector<Json> events = runScenario("scene_change");
+// Each scene chooses its table or falls back.
+void sceneChange(const std::vector<Json>& events) {
     // Scene -> (table in the sample parameter file, state map row); event has none: base
     // colour. Rows: twelve per scene block, blocks in the order 0, 1, 2, 4, 5 ... 13.
     const std::map<int, std::pair<std::string, int>> expected = {{0, {"PARAM_MULTICOLOR", 0}},
@@ -147,8 +153,47 @@ TEST(SceneChange, EachSceneChoosesItsTableOrFallsBack) {
     EXPECT_EQ(seen, (std::set<int>{0, 1, 2, 4, 13}));
 }
 
+std::vector<std::string> maskedLines(const std::string& text) {
+    static const std::pair<std::regex, const char*> kMasks[] = {{std::regex(R"(\|[0-9]+\))"), "|#)"},
+                                                                {std::regex(R"("library":"[^"]*")"), R"("library":"#")"},
+                                                                {std::regex(R"("paths":\{[^}]*\})"), R"("paths":"#")"}};
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line); lines.push_back(line))
+        for (const auto& [pattern, mask] : kMasks) line = std::regex_replace(line, pattern, mask);
+    return lines;
+}
+
+void expectGolden(const std::string& name, const std::string& out) {
+    const std::string goldenPath = std::string(ISPDSP_SIM_GOLDEN_DIR) + "/" + name + ".jsonl";
+    const std::vector<std::string> expected = maskedLines(simtest::readFile(goldenPath)), actual = maskedLines(out);
+    ASSERT_FALSE(expected.empty() || actual.empty()) << "no golden file " << goldenPath << " or no output";
+    // A different sample parameter file explains every difference at once.
+    ASSERT_EQ(Json::parse(expected.front())["tuning"], Json::parse(actual.front())["tuning"])
+        << "data/sample/dsp_isp_para.bin is not the file the golden output was made with; regenerate";
+    for (size_t i = 0; i < std::min(expected.size(), actual.size()); ++i)
+        ASSERT_EQ(actual[i], expected[i]) << "first difference at line " << i + 1 << " of " << goldenPath;
+    EXPECT_EQ(actual.size(), expected.size()) << goldenPath;
+}
+
+const std::map<std::string, void (*)(const std::vector<Json>&)> kOracles = {
+    {"gain_sweep", gainSweep}, {"zoom_sweep", zoomSweep}, {"day_night_hdr", dayNightHdr}, {"scene_change", sceneChange},
+};
+
+class Bundled : public testing::TestWithParam<const char*> {};
+
+TEST_P(Bundled, MatchesTheGoldenFileAndItsOwnOracle) {
+    const simtest::SimResult run = simtest::runSim({"--json", "--no-progress", simtest::scenarioPath(GetParam())});
+    ASSERT_EQ(run.status, 0) << run.err;
+    expectGolden(GetParam(), run.out);
+    kOracles.at(GetParam())(simtest::parseLines(run.out));
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, Bundled,
+                         testing::Values("gain_sweep", "zoom_sweep", "day_night_hdr", "scene_change"));
+
 TEST(Stages, EveryStageIsDecodedWithoutStrayBytes) {
-    const std::vector<Json> events = runScenario("scene_change", {"--stages", "--frames", "1"});
+    const auto events = simtest::runJson({simtest::scenarioPath("scene_change"), "--stages", "--frames", "1"});
     for (const char* stage :
          {"LSM", "LAE", "SBM3D", "CSC", "FUSION_PLATE", "FG2C", "LLE", "YLWDR", "Y2D", "DLAE", "DLCFA", "SADE"}) {
         const auto sent = messagesOf(events, stage);
