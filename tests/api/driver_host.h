@@ -62,9 +62,8 @@ struct FlagCall {
 // so the flag callback knows where to record.
 class HostPipe {
 public:
+    // make_unique value-initialises: the operation table starts all zero, like `create`.
     explicit HostPipe(Uint32 pipeId, bool withFlagCallback = true) : ops_(std::make_unique<DRV_ispOpsParams>()) {
-        std::memset(&create, 0, sizeof(create));
-        std::memset(ops_.get(), 0, sizeof(*ops_));
         create.aewPipeId = pipeId;
         create.ispNum = 1;
         for (Uint32 i = 0; i < 8; ++i) create.ispIds[i] = 10 * pipeId + i;
@@ -81,7 +80,7 @@ public:
     HostPipe(const HostPipe&) = delete;
     HostPipe& operator=(const HostPipe&) = delete;
 
-    DRV_ispXCreateParams create;
+    DRV_ispXCreateParams create{};
     std::vector<FlagCall> flags;
 
     DRV_ispOpsParams* ops() { return ops_.get(); }

@@ -22,7 +22,8 @@ using ispdsp_test::ParamFileBuilder;
 
 class DriverLifecycle : public testing::Test {
 protected:
-    void writeCommonParamFile() {
+    // The parameter-file table (a sandbox per row) and the refresh case write their own files.
+    void SetUp() override {
         sandbox.writeFile(driver_test::kCommonParamFile,
                           ParamFileBuilder().addTable(PARAM_MULTICOLOR).addTable(PARAM_BLACKWHITE).build());
     }
@@ -32,7 +33,6 @@ protected:
 };
 
 TEST_F(DriverLifecycle, CreationFillsTheTableAndTheInstance) {
-    writeCommonParamFile();
     HostPipe pipe(4);
     pipe.create.ispNum = ISP_MAX_DEV_NUM;  // the largest accepted; RefusedCreations: one more
     // The host's own slots and run parameters carry a pattern the driver must keep.
@@ -154,7 +154,6 @@ TEST_F(DriverLifecycle, ParameterFileFallbackRegistrationAndFailures) {
 }
 
 TEST_F(DriverLifecycle, RefusedCreations) {
-    writeCommonParamFile();
     HostPipe pipe(1);
     pipe.create.ispNum = ISP_MAX_DEV_NUM + 1;  // refused before anything is allocated or written
     const DRV_ispOpsParams before = *pipe.ops();
@@ -179,7 +178,6 @@ TEST_F(DriverLifecycle, RefusedCreations) {
 // ---- Flag protocol ----
 
 TEST_F(DriverLifecycle, OperationsSendTheFusionFlag) {
-    writeCommonParamFile();
     using Operation = Int32 (HostPipe::*)();
     const Operation start = &HostPipe::start, stop = &HostPipe::stop, reload = &HostPipe::reload,
                     gain = &HostPipe::gainFlags;
@@ -218,7 +216,6 @@ TEST_F(DriverLifecycle, OperationsSendTheFusionFlag) {
 // and the pointer's name), and a null record argument by its name. Start logs
 // its first line before it looks at its argument.
 TEST_F(DriverLifecycle, EverySlotRefusesMissingPointers) {
-    writeCommonParamFile();
     HostPipe pipe(1);
     ASSERT_EQ(pipe.createPipe(), 0);
     DRV_ispOpsParams empty;
@@ -283,7 +280,6 @@ TEST_F(DriverLifecycle, EverySlotRefusesMissingPointers) {
 // ---- Module results, reference pipe, instance lookup ----
 
 TEST_F(DriverLifecycle, RecordsAreCopiedWholeAndTheInstanceIsLookedUp) {
-    writeCommonParamFile();
     HostPipe pipe(1);
     ASSERT_EQ(pipe.createPipe(), 0);
     DRV_ispModuleResults results;

@@ -176,19 +176,14 @@ TEST(FusionDouble, NullInputsAreNamedInOrderAndWriteNothing) {
     for (int which = 0; which < 7; ++which) {
         DoubleRig rig;
         std::memset(&rig.out.fusionParam, 0xA5, FUSION_PARAM_V2_7_22_SCALAR_BYTES);
-        DSP_DoubleFusionCalculateParam* in = &rig.in;
-        DSP_FusionV2722* out = &rig.out;
-        switch (which) {
-            case 0: in = nullptr; break;
-            case 1: out = nullptr; break;
-            case 2: rig.in.pstColorFusionParam = nullptr; break;
-            case 3: rig.in.pstMonoFusionParam = nullptr; break;
-            case 4: rig.colour.fusionParam.w_nir = nullptr; break;
-            case 5: rig.mono.fusionParam.w_nir = nullptr; break;
-            case 6: rig.out.fusionParam.w_nir = nullptr; break;
-        }
+        if (which == 2) rig.in.pstColorFusionParam = nullptr;
+        if (which == 3) rig.in.pstMonoFusionParam = nullptr;
+        if (which == 4) rig.colour.fusionParam.w_nir = nullptr;
+        if (which == 5) rig.mono.fusionParam.w_nir = nullptr;
+        if (which == 6) rig.out.fusionParam.w_nir = nullptr;
         LogCapture log;
-        EXPECT_EQ(DRV_dspDoubleCalculateFusion(in, out), -1) << names[which];
+        EXPECT_EQ(DRV_dspDoubleCalculateFusion(which == 0 ? nullptr : &rig.in, which == 1 ? nullptr : &rig.out), -1)
+            << names[which];
         EXPECT_EQ(log.lines().size(), 1u);
         EXPECT_TRUE(log.has(LogKind::Error, "DRV_dspDoubleCalculateFusion",
                             std::string("Input NULL POINT ") + names[which] + "!\n")) << names[which];
