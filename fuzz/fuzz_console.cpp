@@ -2,53 +2,37 @@
 // frames of the fusion update after it. The input is split at its NUL bytes
 // into up to 33 arguments, each in a buffer of its own size (so a read past an
 // argument's end is caught), and handed to the OpSetDbgDspParam slot. The
-// instance is created from an in-memory parameter file and deleted again for
-// every input; /tmp/nir.txt holds a valid curve, so the w_nir command loads
-// it, and /mnt/mtd/calibration.txt three zoom positions. The gain position,
+// instance is created and deleted again for every input, from in-memory copies
+// of the sample device files (data/sample: the parameter file, the NIR curve
+// that the w_nir command loads, the calibration's zoom positions). The gain position,
 // zoom, fusion type, standby switch, argument count and language come from
 // the input's hash: mostly what a host passes, sometimes a faulty host's values.
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "driver/registration.h"
 #include "fuzz_support.h"
-#include "support/nir_curve_text.h"
 
 namespace {
 
 constexpr const char* kParamPath = "/var/tmp/dsp_isp_para.bin";
 constexpr const char* kNirPath = "/tmp/nir.txt";
 constexpr const char* kCalibrationPath = "/mnt/mtd/calibration.txt";
-constexpr const char* kCalibrationText =
-    "ZOOMNUM:3 REGNUM:1\nZOOM:100\n0x10 0x1\nTFORM:\nZOOM:1000\n0x10 0x2\nTFORM:\nZOOM:2000\n0x10 0x3\nTFORM:\n";
 
-// A parameter file with a colour and a black-and-white table whose fusion
-// records hold in-range values.
-std::vector<uint8_t> makeParamFile() {
-    std::vector<uint8_t> block;
-    for (Int32 type : {Int32{PARAM_MULTICOLOR}, Int32{PARAM_BLACKWHITE}}) {
-        CFG_DspIspCfgParam table{};
-        table.ispFusionFlag = 1;
-        for (Int32 g = 0; g < FUSION_GAIN_STEPS; ++g) {
-            CFG_DSP_FusionV2722& r = table.ispFusionParam[g];
-            r.ep_delta = static_cast<Uint16>(100 + g);
-            r.hf_zoom = static_cast<Uint16>(64 * g);
-            r.high_lum_thr = -16;
-            r.uv_diff_thr = 8;
-            for (Int32 i = 0; i < FUSION_NIR_POINTS; ++i) r.w_nir[i] = static_cast<Uint8>((i + g) & 0xFF);
-        }
-        const auto* bytes = reinterpret_cast<const uint8_t*>(&type);
-        block.insert(block.end(), bytes, bytes + 4);
-        bytes = reinterpret_cast<const uint8_t*>(&table);
-        block.insert(block.end(), bytes, bytes + sizeof table);
-    }
-    return fuzzsupport::paramFileImage(block);
+// A sample device file, read once from the source tree.
+std::string sampleFile(const char* name) {
+    std::ifstream in(std::string(ISPDSP_SAMPLE_DIR "/") + name, std::ios::binary);
+    fuzzsupport::require(in.good(), "sample device file missing");
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-const std::vector<uint8_t> g_paramFile = makeParamFile();
-const std::string g_nirText = ispdsp_test::nirCurveText(3);
+const std::string g_paramFile = sampleFile("dsp_isp_para.bin");
+const std::string g_nirText = sampleFile("nir.txt");
+const std::string g_calibrationText = sampleFile("calibration.txt");
 
 DRV_ispOpsParams g_ops;  // the host's operation table (large: kept static)
 
@@ -60,9 +44,7 @@ Int32 onFlag(const DRV_ispSetDrvFlagParam* param) {
 Int32 onDsp(DRV_dspIspCfgOpsCtrl*, Ptr) { return 0; }
 
 void consoleOnce(const std::vector<std::unique_ptr<char[]>>& args, uint64_t hash) {
-    fuzzsupport::setFiles({{kParamPath, fuzzsupport::bytesOf(g_paramFile.data(), g_paramFile.size())},
-                           {kNirPath, g_nirText},
-                           {kCalibrationPath, kCalibrationText}});
+    fuzzsupport::setFiles({{kParamPath, g_paramFile}, {kNirPath, g_nirText}, {kCalibrationPath, g_calibrationText}});
 
     DRV_ispXCreateParams create{};
     create.aewPipeId = 1;
