@@ -26,10 +26,6 @@ std::string expand(const std::string& text, const TempDir& dir) {
     return tooltest::expand(text, {{"{d}", dir.path("")}, {"{s}", sampleDir() + "/"}});
 }
 
-void storeWord(std::vector<uint8_t>& bytes, size_t at, uint64_t v) {
-    for (int i = 0; i < 4; ++i) bytes[at + static_cast<size_t>(i)] = static_cast<uint8_t>(v >> (8 * i));
-}
-
 // The inputs: a good file and source, a folder, damaged files, files of other kinds.
 void prepare(const TempDir& dir) {
     std::filesystem::create_directory(dir.path("folder"));
@@ -38,9 +34,9 @@ void prepare(const TempDir& dir) {
     auto head = [&](size_t size) { return std::vector<uint8_t>(good.begin(), good.begin() + static_cast<long>(size)); };
     // The last entry cut to 100 bytes, with a size word and checksum that match.
     std::vector<uint8_t> trail = head(good.size() - (kEntryBytes - 100)), stale = good, bad = good, junk(300);
-    storeWord(trail, kHeaderBytes, trail.size() - kFileOverhead);
-    storeWord(trail, trail.size() - 4,
-              fileChecksum(trail.data(), trail.data() + kHeaderBytes + 4, trail.size() - kFileOverhead));
+    storeField(trail.data() + kHeaderBytes, Scalar::U32, static_cast<int64_t>(trail.size() - kFileOverhead));
+    storeField(trail.data() + trail.size() - 4, Scalar::U32,
+               fileChecksum(trail.data(), trail.data() + kHeaderBytes + 4, trail.size() - kFileOverhead));
     stale[200] ^= 0x01;  // contents changed, checksum kept
     bad.back() ^= 0x80;
     for (size_t i = 0; i < junk.size(); ++i) junk[i] = static_cast<uint8_t>(i * 7);
