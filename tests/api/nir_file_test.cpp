@@ -68,7 +68,7 @@ protected:
     ispdsp_test::LogCapture log;
 };
 
-TEST_F(NirFile, ValuesSaturateCapAt255AndKeepTheirLowByte) {
+TEST_F(NirFile, ValuesSaturateCapAt255AndKeepTheirLowByteInLinesUpTo255Characters) {
     const struct {
         std::string text;
         Uint8 stored;
@@ -84,9 +84,21 @@ TEST_F(NirFile, ValuesSaturateCapAt255AndKeepTheirLowByte) {
         points[at] = tokens[j].text;
         want[at] = tokens[j].stored;
     }
+    // Each line with its line end must fit 255 characters: at 256 the line end arrives as the next
+    // line. The first line is as built (0) or padded to a length with blanks before its first number.
     for (const std::string end : {"\n", "\r\n"}) {
-        for (bool finalEnd : {true, false}) expectLoad(curveFile(points, end, finalEnd), 0, want);
+        for (bool finalEnd : {true, false}) {
+            for (size_t length : {0u, 254u, 255u, 256u}) {
+                SCOPED_TRACE(testing::Message() << "end " << end.size() << ", final " << finalEnd << ", line " << length);
+                std::string text = curveFile(points, end, finalEnd);
+                if (length != 0) text.insert(0, std::string(length - (text.find(end) + end.size()), ' '));
+                expectLoad(text, length <= 255 ? 0 : -1, want);
+                EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetNirCfg", "/tmp/nir.txt line 2 holds 0 of 13 points\n"),
+                          length > 255 ? 1u : 0u);
+            }
+        }
     }
+    expectLoad(curveFile(points, "\r"), -1);  // one long line, cut into 255-character reads
 }
 
 TEST_F(NirFile, ANumberNotFollowedByItsCommaFailsTheLine) {
@@ -108,25 +120,6 @@ TEST_F(NirFile, ANumberNotFollowedByItsCommaFailsTheLine) {
                                     " points\n";
         EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetNirCfg", message), 1u) << message;
     }
-}
-
-// Each line with its line end must fit 255 characters: at 256 the line end arrives as the next line.
-TEST_F(NirFile, LinesUpTo255CharactersLoad) {
-    std::vector<Uint8> want(FUSION_NIR_POINTS);
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) want[i] = static_cast<Uint8>(i % 200);
-    for (const std::string end : {"\n", "\r\n"}) {
-        for (size_t length : {254u, 255u, 256u}) {
-            SCOPED_TRACE(std::to_string(length) + (end.size() == 2 ? " CRLF" : " LF"));
-            std::string text = curveFile(counting(), end);
-            const size_t firstEnd = text.find(end) + end.size();
-            text.insert(0, std::string(length - firstEnd, ' '));  // blanks before the first number
-            expectLoad(text, length <= 255 ? 0 : -1, want);
-            EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetNirCfg", "/tmp/nir.txt line 2 holds 0 of 13 points\n"),
-                      length > 255 ? 1u : 0u);
-        }
-    }
-    std::string crOnly = curveFile(counting(), "\r");  // one long line, cut into 255-character reads
-    expectLoad(crOnly, -1);
 }
 
 // (A missing file: fusion_debug_test.cpp.)
