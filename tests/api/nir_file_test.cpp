@@ -89,7 +89,7 @@ TEST_F(NirFile, ValuesSaturateCapAt255AndKeepTheirLowByteInLinesUpTo255Character
     for (const std::string end : {"\n", "\r\n"}) {
         for (bool finalEnd : {true, false}) {
             for (size_t length : {0u, 254u, 255u, 256u}) {
-                SCOPED_TRACE(testing::Message() << "end " << end.size() << ", final " << finalEnd << ", line " << length);
+                SCOPED_TRACE(testing::Message() << end.size() << " " << finalEnd << " " << length);
                 std::string text = curveFile(points, end, finalEnd);
                 if (length != 0) text.insert(0, std::string(length - (text.find(end) + end.size()), ' '));
                 expectLoad(text, length <= 255 ? 0 : -1, want);
