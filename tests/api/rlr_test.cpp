@@ -174,7 +174,8 @@ TEST(RlrCmp, OnlyTheFirstDifferenceIsLoggedInSinglePrecision) {
     EXPECT_TRUE(log.has(LogKind::Error, "CFG_cmpRlrCfgInfo", "Input NULL POINT rlrTablePackInfo!\n"));
 }
 
-TEST_F(Rlr, WriteReadRoundTripAndExactFailures) {
+// (Reading files back: IdentityAndTablesOfFilesOfEveryLength.)
+TEST_F(Rlr, WriteAndExactFailures) {
     sandbox.makeDir("/mnt/mtd/3A");
     CFG_RlrTableParam out{}, in{};
     for (size_t n = 0; n < 256; ++n) {
@@ -185,8 +186,6 @@ TEST_F(Rlr, WriteReadRoundTripAndExactFailures) {
     sandbox.writeFile(kFlash, std::vector<uint8_t>(2000, 1));  // a longer old copy is cut to 768
     ASSERT_EQ(CFG_aewWriteRlrCfg(kFlash, &out), 0);
     EXPECT_EQ(sandbox.readFile(kFlash), std::vector<uint8_t>(out.pDayTable, out.pDayTable + kTables));
-    ASSERT_EQ(CFG_aewReadRlrCfg(kFlash, &in), 0);
-    EXPECT_EQ(std::memcmp(&in, &out, sizeof in), 0);
     EXPECT_TRUE(log.contains("[DSP_DRV] write /mnt/mtd/3A/rlr_para.bin rlr cfg OK.\n"));
 
     CFG_RlrTableInfo info{};
