@@ -54,17 +54,17 @@ protected:
     void SetUp() override { dsp.followAddresses(true); }
 
     // Each pipe reads its own parameter file (/var/tmp/<pipe>/...).
-    void writeParamFiles(Uint32 fusionFlag = 1) {
+    void writeParamFiles() {
         for (Uint32 pipe : {kColourPipe, kMonoPipe}) {
             sandbox.writeFile(driver_test::pipeParamFile(pipe),
                               ParamFileBuilder()
-                                  .addTable(PARAM_MULTICOLOR, driver_test::fusionTable(tableVariant(pipe, false), fusionFlag))
-                                  .addTable(PARAM_BLACKWHITE, driver_test::fusionTable(tableVariant(pipe, true), fusionFlag))
+                                  .addTable(PARAM_MULTICOLOR, driver_test::fusionTable(tableVariant(pipe, false)))
+                                  .addTable(PARAM_BLACKWHITE, driver_test::fusionTable(tableVariant(pipe, true)))
                                   .build());
         }
     }
-    void writeRegistration(int place, std::initializer_list<int> zooms = {100, 200, 300}) {
-        sandbox.writeFile(driver_test::registrationPath(place), driver_test::registrationText(zooms));
+    void writeRegistration(int place) {
+        sandbox.writeFile(driver_test::registrationPath(place), driver_test::registrationText({100, 200, 300}));
     }
     // Creates, starts and links the pair, and chooses the current tables.
     void startPair() {
@@ -152,19 +152,6 @@ TEST_F(DriverFusion, RefusalsAndPartialFailures) {
     EXPECT_EQ(colour.fusion(), 0);
 }
 
-TEST_F(DriverFusion, TableWithoutFusionSendsAndLogsNothing) {
-    writeParamFiles(/*fusionFlag=*/0);
-    writeRegistration(1);
-    startPair();
-    log.clear();
-    colour.run().ptzUpdateParam.zoom = 150;
-    EXPECT_EQ(colour.fusion(), 0);
-    EXPECT_EQ(mono.fusion(), 0);
-    EXPECT_TRUE(dsp.sets().empty());
-    EXPECT_TRUE(dsp.gets().empty());
-    EXPECT_TRUE(log.lines().empty());
-}
-
 // A linked pair over many frames (gain sweep, day/night, switch values, which
 // pipe goes first, changing zoom without a registration file): each call sends
 // the output switch with the mono pipe's standby switch, then the fusion
@@ -236,34 +223,34 @@ TEST_F(DriverFusion, LinkedPairOverManyFrames) {
     EXPECT_EQ(guard.freeCalls(), 0u);
 }
 
-// IR message rules on a zoom list 100, 200, 300; the lookups take no memory.
-TEST_F(DriverFusion, ZoomBandLookup) {
-    writeParamFiles();
-    writeRegistration(2, {100, 200, 300});
-    startPair();
-    ispdsp_test::MemGuard guard;
-    runZoomFrame(140);
-    runZoomFrame(150);  // index 1, whatever ran before
-    EXPECT_EQ(runZoomFrame(150), std::vector<Uint32>{});       // same zoom: no lookup, no message
-    EXPECT_EQ(runZoomFrame(200), std::vector<Uint32>{});       // 200 is still band 1
-    EXPECT_EQ(runZoomFrame(50), std::vector<Uint32>{0});       // one message in total for the pair
-    EXPECT_EQ(runZoomFrame(400), std::vector<Uint32>{});       // beyond the list: the index stays
-    EXPECT_EQ(runZoomFrame(201), std::vector<Uint32>{2});
-    EXPECT_EQ(runZoomFrame(-1), std::vector<Uint32>{0});
-    EXPECT_EQ(guard.allocCalls(), 0u);
-}
-
-// The calibration message goes out once per change of registerFlag in the
-// whole process: one pipe sends it, and later instances with the same place
-// send nothing.
-TEST_F(DriverFusion, CalibrationMessageOncePerProcessAndPlace) {
+// IR message rules on a zoom list 100, 200, 300 (the lookups take no memory),
+// after a table without fusion has sent and logged nothing. The calibration
+// message goes out once per change of registerFlag in the whole process: one
+// pipe sends it, and later instances with the same place send nothing.
+TEST_F(DriverFusion, ZoomBandsAndCalibrationOncePerProcessAndPlace) {
     writeParamFiles();
     writeRegistration(1);
     startPair();
     ASSERT_EQ(colour.instance()->registerFlag, 1);
-    runZoomFrame(150);  // the process has now sent the calibration of place 1
-    EXPECT_TRUE(runZoomFrame(150).empty());
+    for (HostPipe* pipe : {&colour, &mono}) pipe->instance()->dspCfgTables.curTable->ispFusionFlag = 0;
+    log.clear();
+    EXPECT_EQ(runZoomFrame(150), std::vector<Uint32>{});
+    EXPECT_TRUE(dsp.sets().empty());
+    EXPECT_TRUE(dsp.gets().empty());
+    EXPECT_TRUE(log.lines().empty());
+    for (HostPipe* pipe : {&colour, &mono}) pipe->instance()->dspCfgTables.curTable->ispFusionFlag = 1;
+
+    ispdsp_test::MemGuard guard(/*expectNoLeakAtEnd=*/false);  // the pair is deleted under it
+    runZoomFrame(140);
+    runZoomFrame(150);  // index 1, whatever ran before; the process has now sent the calibration of place 1
+    EXPECT_EQ(runZoomFrame(150), std::vector<Uint32>{});  // same zoom: no lookup, no message
     EXPECT_TRUE(dsp.setsOfType(DSP_AEW_CFG_TYPE_CAL).empty());
+    EXPECT_EQ(runZoomFrame(200), std::vector<Uint32>{});  // 200 is still band 1
+    EXPECT_EQ(runZoomFrame(50), std::vector<Uint32>{0});  // one message in total for the pair
+    EXPECT_EQ(runZoomFrame(400), std::vector<Uint32>{});  // beyond the list: the index stays
+    EXPECT_EQ(runZoomFrame(201), std::vector<Uint32>{2});
+    EXPECT_EQ(runZoomFrame(-1), std::vector<Uint32>{0});
+    EXPECT_EQ(guard.allocCalls(), 0u);
     EXPECT_EQ(colour.remove(), 0);
     EXPECT_EQ(mono.remove(), 0);
 
