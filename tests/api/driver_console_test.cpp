@@ -59,17 +59,15 @@ const std::array<MenuRow, 28> kMenu = {{
 }};
 
 // UTF-8 to GBK through the C library; nothing when the converter is missing.
-bool toGbk(const std::string& utf8, std::string& gbk) {
+bool toGbk(std::string utf8, std::string& gbk) {
     iconv_t cd = iconv_open("GBK", "UTF-8");
     if (cd == reinterpret_cast<iconv_t>(-1)) return false;
-    std::vector<char> out(utf8.size() * 2 + 4);
-    char* in = const_cast<char*>(utf8.data());
-    size_t inLeft = utf8.size();
-    char* outPtr = out.data();
-    size_t outLeft = out.size();
-    const bool ok = iconv(cd, &in, &inLeft, &outPtr, &outLeft) != static_cast<size_t>(-1);
+    gbk.assign(utf8.size() * 2 + 4, '\0');
+    char *in = utf8.data(), *out = gbk.data();
+    size_t inLeft = utf8.size(), outLeft = gbk.size();
+    const bool ok = iconv(cd, &in, &inLeft, &out, &outLeft) != static_cast<size_t>(-1);
     iconv_close(cd);
-    gbk.assign(out.data(), outPtr);
+    gbk.resize(gbk.size() - outLeft);
     return ok;
 }
 

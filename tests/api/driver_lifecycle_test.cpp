@@ -307,12 +307,9 @@ TEST_F(DriverLifecycle, RecordsAreCopiedWholeAndTheInstanceIsLookedUp) {
 // nothing; the night tables are not chosen through the refresh (its scene mode
 // stays 0 whatever runParam.sceneMode says).
 TEST_F(DriverLifecycle, RefreshChoosesTheTableAndReportsEachChangeOnce) {
-    sandbox.writeFile(driver_test::kCommonParamFile, ParamFileBuilder()
-                                                          .addTable(PARAM_MULTICOLOR)
-                                                          .addTable(PARAM_BLACKWHITE)
-                                                          .addTable(PARAM_MULTICOLOR_NIGHT)
-                                                          .addTable(PARAM_TRAFFIC)
-                                                          .build());
+    ParamFileBuilder file;
+    for (int type : {PARAM_MULTICOLOR, PARAM_BLACKWHITE, PARAM_MULTICOLOR_NIGHT, PARAM_TRAFFIC}) file.addTable(type);
+    sandbox.writeFile(driver_test::kCommonParamFile, file.build());
     HostPipe pipe(1);
     ASSERT_EQ(pipe.createPipe(), 0);
     CFG_DspIspCfgTables* tables = &pipe.instance()->dspCfgTables;
