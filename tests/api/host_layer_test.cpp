@@ -1,8 +1,9 @@
 // The reference host layer that every other test stands on: sandboxed and
-// in-memory files, seek/tell/fgets semantics, counted handles and memory with
-// the read limit, log sinks, and the support library's log matcher. (The
-// robust suite's concurrency test drives the counters and the sink from several threads;
-// its fault suite fails each allocation of a creation in turn, which pins FailAllocAfter's count.)
+// in-memory files, seek/tell/fgets semantics, counted handles and memory, log
+// sinks, and the support library's log matcher. (The robust suite's concurrency
+// test drives the counters and the sink from several threads. Its fault suite
+// pins the fault injectors: each allocation of a creation fails in turn, and
+// reads are cut at every byte through OSA_fileRead, OSA_fgets and for one path.)
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -100,26 +101,6 @@ TEST(HostFiles, FgetsDeliversLinesInPiecesThenFails) {
     EXPECT_EQ(got, (std::vector<std::string>{"ab\n", "cde", "fgh", "\n", "las", "t"}));
     EXPECT_EQ(OSA_fgets(buffer, 0, in.h), -1);
     EXPECT_EQ(OSA_fgets(nullptr, 4, in.h), -1);
-}
-
-// The read limit cuts OSA_fileRead and OSA_fgets alike, for every file or one path.
-TEST(HostFiles, ReadLimitCutsFilesOpenedWhileItIsSet) {
-    Sandbox sandbox;
-    sandbox.writeFile("/ten.bin", "0123456789");
-    sandbox.writeFile("/other.bin", "0123456789");
-    char buffer[16];
-    {
-        LimitFileReads limit(6);
-        OpenFile in("/ten.bin", OSA_FILE_MODE_READ);
-        EXPECT_EQ(OSA_fileRead(in.h, buffer, 4), 4);
-        EXPECT_EQ(OSA_fgets(buffer, 16, in.h), 0);
-        EXPECT_STREQ(buffer, "45");
-        EXPECT_EQ(OSA_fgets(buffer, 16, in.h), -1);
-    }
-    LimitFileReads limit(3, "/other.bin");
-    OpenFile whole("/ten.bin", OSA_FILE_MODE_READ), cut("/other.bin", OSA_FILE_MODE_READ);
-    EXPECT_EQ(whole.readAll(4), "0123456789");
-    EXPECT_EQ(cut.readAll(4), "012");
 }
 
 TEST(HostFiles, MemoryFilesAreFoundByPathWithoutDisk) {
