@@ -39,7 +39,7 @@ TEST(Console, EveryNFramesPausesUntilContinueOrExit) {
     std::vector<std::string> sources;
     const auto frames = simtest::eventsOf(events, "frame");
     for (const Json& frame : frames) sources.push_back(frame["source"]);
-    EXPECT_EQ(sources,
+    ASSERT_EQ(sources,
               (std::vector<std::string>{"scenario", "scenario", "console", "scenario", "scenario", "console"}));
     EXPECT_EQ(simtest::eventsOf(events, "console")[0]["frame"], 1);  // after the second frame
     EXPECT_EQ(frames[2]["inputs"], frames[1]["inputs"]);              // the last state holds
