@@ -1,17 +1,6 @@
 #include "support/dsp_capture.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-#include <iterator>
-
 namespace ispdsp_test {
-namespace {
-
-DspCapture* g_current = nullptr;
-
-}  // namespace
 
 testing::AssertionResult isDspPrint(const std::string& printed, DspPrint kind, const std::string& function,
                                     const std::string& argument) {
@@ -30,64 +19,6 @@ testing::AssertionResult isDspPrint(const std::string& printed, DspPrint kind, c
     if (std::all_of(line.begin(), line.end(), [](char ch) { return ch >= '0' && ch <= '9'; })) return testing::AssertionSuccess();
     return testing::AssertionFailure() << "printed: \"" << testing::PrintToString(printed) << "\"\nexpected: \""
                                        << testing::PrintToString(head + "<line>" + tail) << "\"";
-}
-
-std::span<const Uint8> DspCall::bytes() const {
-    return {reinterpret_cast<const Uint8*>(&message), sizeof message};
-}
-
-Uint32 DspCall::word(size_t offset) const {
-    Uint32 value = 0;
-    if (offset + sizeof value <= sizeof message) std::memcpy(&value, bytes().data() + offset, sizeof value);
-    return value;
-}
-
-std::optional<size_t> DspCall::firstNonZeroExcept(std::initializer_list<ByteRange> filled) const {
-    const auto b = bytes();
-    for (size_t i = sizeof(Uint32); i < b.size(); ++i) {
-        const bool inFilled =
-            std::any_of(filled.begin(), filled.end(), [i](const ByteRange& r) { return i >= r.begin && i < r.end; });
-        if (!inFilled && b[i] != 0) return i;
-    }
-    return std::nullopt;
-}
-
-bool DspCall::ctrlReservedZero() const {
-    return std::all_of(std::begin(ctrl.reserved), std::end(ctrl.reserved), [](Uint32 w) { return w == 0; });
-}
-
-DspCapture::DspCapture() : previous_(g_current) { g_current = this; }
-
-DspCapture::~DspCapture() { g_current = previous_; }
-
-DRV_dspIspHandle DspCapture::handle(Uint32 nId) const {
-    DRV_dspIspHandle h;
-    std::memset(&h, 0, sizeof h);
-    h.nId = nId;
-    h.dspIspCfgOps.OpGetDspConfig = &DspCapture::onGet;
-    h.dspIspCfgOps.OpSetDspConfig = &DspCapture::onSet;
-    return h;
-}
-
-OpDspIspCfgctl DspCapture::setCallback() { return &DspCapture::onSet; }
-OpDspIspCfgctl DspCapture::getCallback() { return &DspCapture::onGet; }
-
-std::vector<DspCall> DspCapture::setsOfType(Uint32 type) const {
-    std::vector<DspCall> out;
-    std::copy_if(sets_.begin(), sets_.end(), std::back_inserter(out),
-                 [type](const DspCall& c) { return c.type() == type; });
-    return out;
-}
-
-std::vector<Uint32> DspCapture::setTypes() const {
-    std::vector<Uint32> out;
-    for (const DspCall& c : sets_) out.push_back(c.type());
-    return out;
-}
-
-void DspCapture::clearCalls() {
-    sets_.clear();
-    gets_.clear();
 }
 
 DspCall DspCapture::record(const DRV_dspIspCfgOpsCtrl* ctrl, const void* message) const {
@@ -111,24 +42,24 @@ DspCall DspCapture::record(const DRV_dspIspCfgOpsCtrl* ctrl, const void* message
 }
 
 Int32 DspCapture::onSet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message) {
-    if (g_current == nullptr) {
+    if (current_ == nullptr) {
         ADD_FAILURE() << "OpSetDspConfig called with no DspCapture alive";
         return -1;
     }
-    g_current->sets_.push_back(g_current->record(ctrl, message));
-    return g_current->setResult_;
+    current_->sets_.push_back(current_->record(ctrl, message));
+    return current_->setResult_;
 }
 
 Int32 DspCapture::onGet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message) {
-    if (g_current == nullptr) {
+    if (current_ == nullptr) {
         ADD_FAILURE() << "OpGetDspConfig called with no DspCapture alive";
         return -1;
     }
-    g_current->gets_.push_back(g_current->record(ctrl, message));
-    if (message != nullptr && g_current->fusionReply_) {
-        std::memcpy(&static_cast<DSP_AEW_CFG_S*>(message)->dspArgs, &*g_current->fusionReply_, sizeof(FUSION_PARAM_V2_7_22));
+    current_->gets_.push_back(current_->record(ctrl, message));
+    if (message != nullptr && current_->fusionReply_) {
+        std::memcpy(&static_cast<DSP_AEW_CFG_S*>(message)->dspArgs, &*current_->fusionReply_, sizeof(FUSION_PARAM_V2_7_22));
     }
-    return g_current->getResult_;
+    return current_->getResult_;
 }
 
 }  // namespace ispdsp_test

@@ -28,16 +28,18 @@
 // sends made-up addresses.
 #pragma once
 
-#include <array>
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <initializer_list>
+#include <iterator>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ispdsp/dsp_config.h"
 #include "ispdsp/fusion.h"
@@ -55,20 +57,34 @@ struct DspCall {
     DRV_dspIspCfgOpsCtrl ctrl;
     DSP_AEW_CFG_S message;
     // Filled only with followAddresses(true):
-    std::string calPath;                            // CAL: the text behind calParam.cfg_path
-    std::vector<Uint8> curve;                       // FUSION: FUSION_NIR_POINTS bytes behind w_nir
+    std::string calPath;       // CAL: the text behind calParam.cfg_path
+    std::vector<Uint8> curve;  // FUSION: FUSION_NIR_POINTS bytes behind w_nir
 
     // The message as raw wire bytes (4168).
-    std::span<const Uint8> bytes() const;
+    std::span<const Uint8> bytes() const { return {reinterpret_cast<const Uint8*>(&message), sizeof message}; }
     Uint32 type() const { return message.u32Type; }
     // The Uint32 at message offset `offset` (little-endian, unaligned is fine).
-    Uint32 word(size_t offset) const;
+    Uint32 word(size_t offset) const {
+        Uint32 value = 0;
+        if (offset + sizeof value <= sizeof message) std::memcpy(&value, bytes().data() + offset, sizeof value);
+        return value;
+    }
     // The offset of the first nonzero message byte that lies outside every
     // given [begin, end) range and outside the u32Type word (offsets 0..3);
     // nullopt when all those bytes are zero, as in a cleared message.
-    std::optional<size_t> firstNonZeroExcept(std::initializer_list<ByteRange> filled) const;
+    std::optional<size_t> firstNonZeroExcept(std::initializer_list<ByteRange> filled) const {
+        const auto b = bytes();
+        for (size_t i = sizeof(Uint32); i < b.size(); ++i) {
+            const bool inFilled =
+                std::any_of(filled.begin(), filled.end(), [i](const ByteRange& r) { return i >= r.begin && i < r.end; });
+            if (!inFilled && b[i] != 0) return i;
+        }
+        return std::nullopt;
+    }
     // True when every byte of the control record behind nId is zero.
-    bool ctrlReservedZero() const;
+    bool ctrlReservedZero() const {
+        return std::all_of(std::begin(ctrl.reserved), std::end(ctrl.reserved), [](Uint32 w) { return w == 0; });
+    }
 };
 
 // The four lines that the message functions print to standard output.
@@ -87,16 +103,23 @@ testing::AssertionResult isDspPrint(const std::string& printed, DspPrint kind, c
 
 class DspCapture {
 public:
-    DspCapture();
-    ~DspCapture();
+    DspCapture() : previous_(current_) { current_ = this; }
+    ~DspCapture() { current_ = previous_; }
     DspCapture(const DspCapture&) = delete;
     DspCapture& operator=(const DspCapture&) = delete;
 
     // A transport handle with the given nId and both callbacks of the double.
-    DRV_dspIspHandle handle(Uint32 nId = 0) const;
+    DRV_dspIspHandle handle(Uint32 nId = 0) const {
+        DRV_dspIspHandle h;
+        std::memset(&h, 0, sizeof h);
+        h.nId = nId;
+        h.dspIspCfgOps.OpGetDspConfig = &DspCapture::onGet;
+        h.dspIspCfgOps.OpSetDspConfig = &DspCapture::onSet;
+        return h;
+    }
     // The double's callbacks, to build handles or creation records by hand.
-    static OpDspIspCfgctl setCallback();
-    static OpDspIspCfgctl getCallback();
+    static OpDspIspCfgctl setCallback() { return &DspCapture::onSet; }
+    static OpDspIspCfgctl getCallback() { return &DspCapture::onGet; }
 
     // What OpSetDspConfig / OpGetDspConfig return from now on (default 0).
     void setSetResult(Int32 result) { setResult_ = result; }
@@ -110,17 +133,29 @@ public:
     const std::vector<DspCall>& sets() const { return sets_; }
     const std::vector<DspCall>& gets() const { return gets_; }
     // The Set calls whose u32Type is `type`, in call order.
-    std::vector<DspCall> setsOfType(Uint32 type) const;
+    std::vector<DspCall> setsOfType(Uint32 type) const {
+        std::vector<DspCall> out;
+        std::copy_if(sets_.begin(), sets_.end(), std::back_inserter(out), [type](const DspCall& c) { return c.type() == type; });
+        return out;
+    }
     // The recorded u32Type of every Set call, in call order.
-    std::vector<Uint32> setTypes() const;
+    std::vector<Uint32> setTypes() const {
+        std::vector<Uint32> out;
+        for (const DspCall& c : sets_) out.push_back(c.type());
+        return out;
+    }
     // Forgets the recorded calls (results and replies stay programmed).
-    void clearCalls();
+    void clearCalls() {
+        sets_.clear();
+        gets_.clear();
+    }
 
 private:
     static Int32 onSet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message);
     static Int32 onGet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message);
     DspCall record(const DRV_dspIspCfgOpsCtrl* ctrl, const void* message) const;
 
+    static inline DspCapture* current_ = nullptr;  // the capture the callbacks record into
     DspCapture* previous_ = nullptr;
     Int32 setResult_ = 0;
     Int32 getResult_ = 0;

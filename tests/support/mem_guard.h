@@ -12,27 +12,51 @@
 
 namespace ispdsp_test {
 
-uint64_t openFiles();  // OSA_fileOpen handles not closed yet
+// OSA_fileOpen handles not closed yet.
+inline uint64_t openFiles() {
+    ispdsp_host_file_stats stats{};
+    ispdsp_host_get_file_stats(&stats);
+    return stats.open_files;
+}
 
 // Snapshot of the counters; by default the destructor expects as many live
 // blocks and open files as at construction (pass false where a block is kept on purpose).
 class MemGuard {
 public:
-    explicit MemGuard(bool expectNoLeakAtEnd = true);
-    ~MemGuard();
+    explicit MemGuard(bool expectNoLeakAtEnd = true)
+        : start_(now()), startFiles_(openFiles()), checkAtEnd_(expectNoLeakAtEnd) {}
+    ~MemGuard() {
+        if (checkAtEnd_) {
+            EXPECT_TRUE(noLeak());
+        }
+    }
     MemGuard(const MemGuard&) = delete;
     MemGuard& operator=(const MemGuard&) = delete;
 
-    int64_t liveBlocks() const;  // blocks gained since the snapshot
-    int64_t liveBytes() const;   // bytes gained since the snapshot
-    uint64_t allocCalls() const; // allocation calls since the snapshot
-    uint64_t freeCalls() const;  // free calls since the snapshot
-    ::testing::AssertionResult noLeak() const;  // no block gained, no file left open
+    // Blocks and bytes gained, allocation and free calls made since the snapshot.
+    int64_t liveBlocks() const { return static_cast<int64_t>(now().live_blocks - start_.live_blocks); }
+    int64_t liveBytes() const { return static_cast<int64_t>(now().live_bytes - start_.live_bytes); }
+    uint64_t allocCalls() const { return now().alloc_calls - start_.alloc_calls; }
+    uint64_t freeCalls() const { return now().free_calls - start_.free_calls; }
+    // No block gained, no file left open.
+    ::testing::AssertionResult noLeak() const {
+        const int64_t files = static_cast<int64_t>(openFiles() - startFiles_);
+        if (liveBlocks() == 0 && files == 0) return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure() << files << " file(s) left open; " << liveBlocks() << " block(s) ("
+                                             << liveBytes() << " bytes) still live; " << allocCalls()
+                                             << " allocation(s), " << freeCalls() << " free(s) since the snapshot";
+    }
 
 private:
+    static ispdsp_host_mem_stats now() {
+        ispdsp_host_mem_stats stats{};
+        ispdsp_host_get_mem_stats(&stats);
+        return stats;
+    }
+
     ispdsp_host_mem_stats start_;
-    uint64_t start_files_;
-    bool check_at_end_;
+    uint64_t startFiles_;
+    bool checkAtEnd_;
 };
 
 // The n-th allocation from now fails (1 = the next one); off again at the end.
