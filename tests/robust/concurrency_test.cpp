@@ -108,6 +108,24 @@ uint64_t sendAll(ispdsp_test::StageOutputs& o, DSP_IrParam& ir, DRV_dspIspHandle
     return t_messages - before;
 }
 
+// Loads the parameter file into this thread's own header and buffer and
+// selects the traffic table (odd threads) or the HDR IVS one; false on any failure.
+bool loadAndSelect(int index) {
+    CFG_IspParamTable header{};
+    Ptr buffer = nullptr;
+    CFG_DspIspCfgTables tables{};
+    CFG_ispParamCondition condition{};
+    condition.realDncMode = 1;
+    condition.imageScene = (index % 2) ? 1 : 4;  // traffic, or IVS (its HDR table exists)
+    condition.hdrMode = (index % 2) ? 0 : 5;
+    const bool ok = DRV_ispCfgLoad(driver_test::kCommonParamFile, ISPDSP_PARAM_FILE_VERSION, &header, &buffer) == 0 &&
+                    DRV_ispCommonTable2DspTable(&header, buffer, tables.paramTables) == 0 &&
+                    DRV_ispChooseCurParamDSP(&condition, &tables) == 0 &&
+                    tables.curTableType == Uint32((index % 2) ? PARAM_TRAFFIC : PARAM_HDR_IVS);
+    OSA_memUFree(buffer);
+    return ok;
+}
+
 class RobustConcurrency : public testing::Test {
 protected:
     void SetUp() override {
@@ -167,7 +185,10 @@ protected:
     std::vector<std::unique_ptr<HostPipe>> pipes;
 };
 
-TEST_F(RobustConcurrency, CalculationsSettersAndMessagesOnSeparateRecords) {
+// Each thread on its own records: calculations, debug setters and prints,
+// messages through its own handle, and every fifth iteration a parameter file
+// load and table selection.
+TEST_F(RobustConcurrency, CalculationsSettersMessagesAndLoadsOnSeparateRecords) {
     std::vector<CFG_DspIspCfgParam> tables;
     std::vector<std::unique_ptr<Outputs>> want;
     for (int i = 0; i < kThreads; ++i) {
@@ -192,33 +213,13 @@ TEST_F(RobustConcurrency, CalculationsSettersAndMessagesOnSeparateRecords) {
             compute(tables[index], index, *out);
             mismatches[index] += !sameOutputs(*out, *want[index]);
             messages[index] += sendAll(out->calculated, ir, handle);
+            if (iteration % 5 == 0) mismatches[index] += !loadAndSelect(index);
         }
         lastType[index] = t_lastType;
     });
     EXPECT_EQ(mismatches, std::vector<int>(kThreads, 0));
     EXPECT_EQ(messages, std::vector<uint64_t>(kThreads, 17u * kIterations)) << "each message on its own thread";
     EXPECT_EQ(lastType, std::vector<uint32_t>(kThreads, DSP_AEW_CFG_TYPE_CAL));
-}
-
-TEST_F(RobustConcurrency, ParameterFilesLoadAndSelectOnSeparateRecords) {
-    std::vector<int> failures(kThreads, 0);
-    runThreads([&](int index) {
-        for (int iteration = 0; iteration < kIterations / 5; ++iteration) {
-            CFG_IspParamTable header{};
-            Ptr buffer = nullptr;
-            CFG_DspIspCfgTables tables{};
-            CFG_ispParamCondition condition{};
-            condition.realDncMode = 1;
-            condition.imageScene = (index % 2) ? 1 : 4;  // traffic, or IVS (its HDR table exists)
-            condition.hdrMode = (index % 2) ? 0 : 5;
-            failures[index] += DRV_ispCfgLoad(driver_test::kCommonParamFile, ISPDSP_PARAM_FILE_VERSION, &header, &buffer) != 0 ||
-                               DRV_ispCommonTable2DspTable(&header, buffer, tables.paramTables) != 0 ||
-                               DRV_ispChooseCurParamDSP(&condition, &tables) != 0 ||
-                               tables.curTableType != Uint32((index % 2) ? PARAM_TRAFFIC : PARAM_HDR_IVS);
-            OSA_memUFree(buffer);
-        }
-    });
-    EXPECT_EQ(failures, std::vector<int>(kThreads, 0));
 }
 
 // Unlinked pipes, each driven by its own thread: refresh, module results, gain
