@@ -41,21 +41,14 @@ DspCall DspCapture::record(const DRV_dspIspCfgOpsCtrl* ctrl, const void* message
     return call;
 }
 
-Int32 DspCapture::onSet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message) {
+// Records into the current capture; a call with none alive is a test failure.
+Int32 DspCapture::onCall(bool isSet, DRV_dspIspCfgOpsCtrl* ctrl, Ptr message) {
     if (current_ == nullptr) {
-        ADD_FAILURE() << "OpSetDspConfig called with no DspCapture alive";
+        ADD_FAILURE() << (isSet ? "OpSetDspConfig" : "OpGetDspConfig") << " called with no DspCapture alive";
         return -1;
     }
-    current_->sets_.push_back(current_->record(ctrl, message));
-    return current_->setResult_;
-}
-
-Int32 DspCapture::onGet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message) {
-    if (current_ == nullptr) {
-        ADD_FAILURE() << "OpGetDspConfig called with no DspCapture alive";
-        return -1;
-    }
-    current_->gets_.push_back(current_->record(ctrl, message));
+    (isSet ? current_->sets_ : current_->gets_).push_back(current_->record(ctrl, message));
+    if (isSet) return current_->setResult_;
     if (message != nullptr && current_->fusionReply_) {
         std::memcpy(&static_cast<DSP_AEW_CFG_S*>(message)->dspArgs, &*current_->fusionReply_, sizeof(FUSION_PARAM_V2_7_22));
     }

@@ -110,8 +110,7 @@ public:
 
     // A transport handle with the given nId and both callbacks of the double.
     DRV_dspIspHandle handle(Uint32 nId = 0) const {
-        DRV_dspIspHandle h;
-        std::memset(&h, 0, sizeof h);
+        DRV_dspIspHandle h{};
         h.nId = nId;
         h.dspIspCfgOps.OpGetDspConfig = &DspCapture::onGet;
         h.dspIspCfgOps.OpSetDspConfig = &DspCapture::onSet;
@@ -151,8 +150,9 @@ public:
     }
 
 private:
-    static Int32 onSet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message);
-    static Int32 onGet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message);
+    static Int32 onSet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message) { return onCall(true, ctrl, message); }
+    static Int32 onGet(DRV_dspIspCfgOpsCtrl* ctrl, Ptr message) { return onCall(false, ctrl, message); }
+    static Int32 onCall(bool isSet, DRV_dspIspCfgOpsCtrl* ctrl, Ptr message);
     DspCall record(const DRV_dspIspCfgOpsCtrl* ctrl, const void* message) const;
 
     static inline DspCapture* current_ = nullptr;  // the capture the callbacks record into

@@ -60,22 +60,17 @@ private:
 };
 
 // The n-th allocation from now fails (1 = the next one); off again at the end.
-class FailAllocAfter {
-public:
+// (The injectors below switch process-wide state: use them as scoped locals.)
+struct FailAllocAfter {
     explicit FailAllocAfter(uint64_t n) { ispdsp_host_fail_alloc_after(n); }
     ~FailAllocAfter() { ispdsp_host_fail_alloc_after(0); }
-    FailAllocAfter(const FailAllocAfter&) = delete;
-    FailAllocAfter& operator=(const FailAllocAfter&) = delete;
 };
 
 // Every file opened (or only those opened by `path`) delivers at most `limit`
 // bytes through OSA_fileRead and OSA_fgets; off at the end.
-class LimitFileReads {
-public:
+struct LimitFileReads {
     explicit LimitFileReads(uint64_t limit, const char* path = nullptr) { ispdsp_host_limit_file_reads_of(path, limit); }
     ~LimitFileReads() { ispdsp_host_limit_file_reads(UINT64_MAX); }
-    LimitFileReads(const LimitFileReads&) = delete;
-    LimitFileReads& operator=(const LimitFileReads&) = delete;
 };
 
 }  // namespace ispdsp_test

@@ -120,11 +120,6 @@ std::vector<uint8_t> ParamFileBuilder::blockBytes() const {
     return {file.begin() + kHeaderBytes + 4, file.end() - 4};
 }
 
-int32_t ParamFileBuilder::checksum() const {
-    const std::vector<uint8_t> block = blockBytes();
-    return ispcfg::fileChecksum(headerBytes().data(), block.data(), block.size());
-}
-
 std::vector<uint8_t> ParamFileBuilder::build() const {
     const CFG_IspParamTable header = expectedHeader();
     std::vector<uint8_t> out = headerBytes();
@@ -138,9 +133,10 @@ std::vector<uint8_t> ParamFileBuilder::build() const {
 
 CFG_IspParamTable ParamFileBuilder::expectedHeader() const {
     CFG_IspParamTable h{};
+    const std::vector<uint8_t> block = blockBytes();
     std::memcpy(&h, headerBytes().data(), kHeaderBytes);
-    h.cfg_specParam.size = sizeWord_.value_or(static_cast<uint32_t>(blockBytes().size()));
-    h.chksum = static_cast<int32_t>(static_cast<uint32_t>(checksum()) ^ chksumMask_);
+    h.cfg_specParam.size = sizeWord_.value_or(static_cast<uint32_t>(block.size()));
+    h.chksum = ispcfg::fileChecksum(headerBytes().data(), block.data(), block.size()) ^ static_cast<int32_t>(chksumMask_);
     return h;
 }
 

@@ -67,8 +67,6 @@ public:
     std::vector<uint8_t> headerBytes() const;
     // The block as written (entries or raw bytes).
     std::vector<uint8_t> blockBytes() const;
-    // The correct checksum of this file (before any corruption).
-    int32_t checksum() const;
     // The whole file image.
     std::vector<uint8_t> build() const;
     // The header record a successful load of build() leaves behind (reserved word 0).
