@@ -6,7 +6,6 @@
 // ISPDSP_LIFECYCLE_CYCLES sets the number of cycles (300 by default).
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 
 #include "api/driver_host.h"
@@ -101,8 +100,6 @@ TEST_F(RobustLifecycle, LinkedPairCyclesGiveBackEveryBlock) {
         ASSERT_TRUE(guard.noLeak()) << "after cycle " << cycle;
     }
     EXPECT_EQ(fusionMessages, static_cast<size_t>(cycles) * kFramesPerCycle * 2);
-    std::printf("[ robust   ] %d lifecycle cycles of a linked pair: %llu allocations, %llu frees\n", cycles,
-                static_cast<unsigned long long>(guard.allocCalls()), static_cast<unsigned long long>(guard.freeCalls()));
 }
 
 }  // namespace
