@@ -134,15 +134,13 @@ inline float coefficientFor(uint64_t hash) {
 // the block; each table chosen is calculated once.
 inline void exerciseTables(CFG_IspParamTable* header, Ptr block, float interCoff) {
     CFG_DspIspCfgTables set{};
-    const Int32 registered = DRV_ispCommonTable2DspTable(header, block, set.paramTables);
-    (void)registered;  // a failed registration keeps the entries before the faulty one
-    const size_t blockSize = header->cfg_specParam.size;
+    // A failed registration keeps the entries before the faulty one: its result does not matter here.
+    (void)DRV_ispCommonTable2DspTable(header, block, set.paramTables);
     bool calculated[PARAM_TABLE_TYPE_NUM] = {};
     for (Int32 type = 0; type < PARAM_TABLE_TYPE_NUM; ++type) {
-        if (set.paramTables[type] != nullptr) {
-            require(inside(set.paramTables[type], sizeof(CFG_DspIspCfgParam), block, blockSize),
-                    "registered table reaches outside the block");
-        }
+        const Ptr table = set.paramTables[type];
+        require(table == nullptr || inside(table, sizeof(CFG_DspIspCfgParam), block, header->cfg_specParam.size),
+                "registered table reaches outside the block");
     }
     static const Int32 kHdrModes[] = {0, 4, 5};
     for (Int32 scene = 0; scene <= 14; ++scene) {

@@ -38,12 +38,8 @@ TEST(Checksum, UnalignedBlockWordsAndOnlyTheCoveredFields) {
     std::memcpy(h.pdtName, "CAM", 3);
     std::array<Uint8, 13> bytes{};  // block at offset 1: words are read without aligned loads
     for (size_t i = 1; i < bytes.size(); ++i) bytes[i] = static_cast<Uint8>(i * 37);
-    Uint32 want = 0x47A21280u ^ 0x004D4143u;  // ver, "CAM" (little-endian)
-    for (size_t w = 0; w < 2; ++w) {
-        Uint32 word;
-        std::memcpy(&word, bytes.data() + 1 + 4 * w, 4);
-        want ^= word;
-    }
+    // ver 0x47A21280, "CAM" 0x004D4143, block words 0x946F4A25 (37 74 111 148) and 0x2803DEB9 (185 222 3 40).
+    const Uint32 want = 0x47A21280u ^ 0x004D4143u ^ 0x946F4A25u ^ 0x2803DEB9u;
     for (Uint32 size : {8u, 9u, 11u}) {  // the last size % 4 bytes are not covered
         h.cfg_specParam.size = size;
         EXPECT_EQ(static_cast<Uint32>(CFG_ispCalcChksum(&h, bytes.data() + 1)), want) << size;
