@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <utility>
 #include <string>
 #include <vector>
 
@@ -253,6 +254,8 @@ TEST_F(RobustFault, RlrLoaderEndsCleanlyOnEveryFault) {
         if (limit < kIdentityBytes) {
             // The custom file's identity cannot be read: nothing is loaded.
             ASSERT_EQ(result, -1);
+            CFG_RlrTableInfo info{};
+            ASSERT_EQ(withFault<LimitFileReads>([&] { return CFG_aewGetRlrCfgInfo(kRlrCustom, &info); }, limit), -1);
             ASSERT_EQ(log.count(LogKind::Error, "DRV_loadRlrCfg", "Get RlrCfgInfo is failed!\n"), 1u);
             ASSERT_FALSE(sandbox.exists(kRlrFlash));
             continue;
@@ -265,6 +268,27 @@ TEST_F(RobustFault, RlrLoaderEndsCleanlyOnEveryFault) {
         ASSERT_EQ(sandbox.readFile(kRlrFlash).size(), kTableBytes);
         ASSERT_TRUE(guard.noLeak());
     }
+}
+
+// A platform layer whose open reports success but hands out no handle: each
+// loader that checks the handle refuses with its own open line.
+TEST_F(RobustFault, OpenThatGivesNoHandleIsAFailedOpen) {
+    CFG_IspParamTable table{};
+    Ptr block = nullptr;
+    CFG_RlrTableInfo info{};
+    CFG_RlrTableParam tables{};
+    ispdsp_host_open_without_handle(1);
+    const std::pair<const char*, Int32> calls[] = {
+        {"DRV_ispCfgReadCheckParam", DRV_ispCfgReadCheckParam(kRlrCustom, 1.0f, &table, &block)},
+        {"CFG_aewGetRlrCfgInfo", CFG_aewGetRlrCfgInfo(kRlrCustom, &info)},
+        {"CFG_aewReadRlrCfg", CFG_aewReadRlrCfg(kRlrCustom, &tables)},
+        {"CFG_aewWriteRlrCfg", CFG_aewWriteRlrCfg(kRlrCustom, &tables)}};
+    ispdsp_host_open_without_handle(0);
+    for (const auto& [function, result] : calls) {
+        EXPECT_EQ(result, -1) << function;
+        EXPECT_EQ(log.count(LogKind::Error, function, "Open /var/custom/rlr_para.bin file failed\n"), 1u) << function;
+    }
+    EXPECT_EQ(block, nullptr);
 }
 
 // Which field of the parameter file a read cut at `offset` breaks, and its line.

@@ -50,6 +50,10 @@ void ispdsp_host_fail_alloc_after(uint64_t n);
 void ispdsp_host_limit_file_reads(uint64_t limit);
 void ispdsp_host_limit_file_reads_of(const char* path, uint64_t limit);
 
+/* Fault injection: while on (on != 0), OSA_fileOpen reports success but hands
+ * out no handle, as a faulty platform layer might; 0 switches it off. */
+void ispdsp_host_open_without_handle(int on);
+
 typedef struct {
     uint64_t open_files; /* OSA_fileOpen successes not closed yet */
     uint64_t bytes_read; /* bytes that OSA_fileRead and OSA_fgets delivered */
