@@ -157,7 +157,9 @@ std::vector<FileCase> fileCases() {
         // The third pair is dropped; block 1 starts on block 0's closing line.
         {"ExtraRegisterLineIsDropped", "ZOOMNUM:2\nREGNUM:2\nZOOM:1\n0x1 0x2\n0x3 0x4\n0x9 0x9\nTFORM:\nZOOM:2\n0x5 0x6\n0x7 0x8\n",
          2, 2, {1, 2}, {{1, 2}, {3, 4}, {0, 0}, {5, 6}}},
-        {"TruncatedFileKeepsZoomNum", "ZOOMNUM:3\nREGNUM:1\nZOOM:10\n0x1 0x2\nTFORM:\nZOOM:20\n", 3, 1, {10, 20, 0},
+        // Block 0 closes on a register line, which is dropped rather than given to
+        // block 1; the file ends inside block 1.
+        {"TruncatedFileKeepsZoomNum", "ZOOMNUM:3\nREGNUM:1\nZOOM:10\n0x1 0x2\n0x9 0x9\nZOOM:20\n", 3, 1, {10, 20, 0},
          {{1, 2}, {0, 0}, {0, 0}}},
         {"LinesBeforeZoomLineUsePositions", "ZOOMNUM:1\nREGNUM:2\nTFORM:\n0x7 0x7\nZOOM:50\n0x1 0x2\n", 1, 2, {50}, {{0, 0}, {0, 0}}},
         // CR alone ends no line: the header line holds the whole file, so no block follows.
