@@ -130,6 +130,20 @@ TEST_F(Registration, FirstReadablePlaceWinsOverEverySubsetOfPlaces) {
     }
 }
 
+// A failed step of one place returns -1 itself: the line buffer's allocation, and a
+// platform open that gives no handle, which the header reader refuses by name.
+TEST_F(Registration, FailedStepsOfAPlaceReturnMinusOne) {
+    sandbox.writeFile(kPlaces[0], "ZOOMNUM:1\nREGNUM:1\nZOOM:7\n");
+    {
+        ispdsp_test::FailAllocAfter fault(1);
+        EXPECT_EQ(DRV_ispGetRegistrateCfg(kPlaces[0], &drvRegistrateParam), -1);
+    }
+    ispdsp_host_open_without_handle(1);
+    EXPECT_EQ(DRV_ispGetRegistrateCfg(kPlaces[0], &drvRegistrateParam), -1);
+    ispdsp_host_open_without_handle(0);
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetPropertyCfg", "param is null!\n"), 1u);
+}
+
 TEST_F(Registration, MalformedHeaderFailsThePlaceAndTheNextIsTried) {
     sandbox.writeFile(kPlaces[0], "REGNUM:2\nZOOMNUM:1\nZOOM:5\n0x1 0x2\n");  // REGNUM before ZOOMNUM only
     sandbox.writeFile(kPlaces[1], "ZOOMNUM:1\nREGNUM:1\nZOOM:7\n");

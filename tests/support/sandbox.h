@@ -78,10 +78,6 @@ public:
         EXPECT_TRUE(in.good()) << "cannot read " << hostPath(devicePath);
         return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     }
-    std::string readText(std::string_view devicePath) const {
-        const std::vector<uint8_t> bytes = readFile(devicePath);
-        return {bytes.begin(), bytes.end()};
-    }
 
     bool exists(std::string_view devicePath) const {
         std::error_code ec;
