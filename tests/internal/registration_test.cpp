@@ -44,7 +44,7 @@ Uint32 hexOracle(const std::string& text) {
 }
 
 TEST(RegistrationLine, DecimalFieldsReadAsStrtolDoes) {
-    const std::string signs[] = {"", " ", "\t\v", "+", "-", "+-", "- "};
+    const std::string signs[] = {"", " ", "\t\v\f", "+", "-", "+-", "- "};
     const std::string bodies[] = {"0", "9", "42", "/5", ":5", "12/3", "12:3", "007", "2147483647", "2147483648",
                                   "99999999999999999999", "", "a1"};
     const std::string ends[] = {"", "\n", "\r", "\r\n", "\r7", " 7", "\0"s "9"};
@@ -67,7 +67,7 @@ TEST(RegistrationLine, DecimalFieldsReadAsStrtolDoes) {
 }
 
 TEST(RegistrationLine, RegisterNumbersReadAsPercentXDoes) {
-    const std::string prefixes[] = {"", "0x", "0X", "+", "-", "\t", "-0X", "+0x"};
+    const std::string prefixes[] = {"", "0x", "0X", "+", "-", "\t", "\v\f", "-0X", "+0x"};
     const std::string digits[] = {"0",  "9",   "a",  "f",  "A",  "F",  "1f", "0033", "ffffffff", "FFFFFFFF",
                                   "100000000", "123456789abcdef", "", "/", ":", "@", "G", "`", "g", "1/",
                                   "9:", "A@", "FG", "a`", "fg"};
@@ -185,12 +185,13 @@ std::vector<FileCase> fileCases() {
         {"LongHeaderLinesArriveInPieces", std::string(250, 'a') + "ZOOMNUM:9\n" + std::string(255, 'b') +
          "ZOOMNUM:1 REGNUM:1\nZOOM:4\n0x5 0x6\n", 1, 1, {4}, {{5, 6}}},
     };
-    // A register line of 254, 255 or 256 characters with its line end: at 256 the line end
+    // A register line of 254, 255 or 256 characters with its line end, the value's last digit
+    // just before it: at 256 that digit is the piece's last character, and the line end
     // arrives as a line of its own and takes the last pair's position.
     for (const std::string end : {"\n", "\r\n"}) {
         for (size_t length : {254u, 255u, 256u}) {
             for (bool finalEnd : {true, false}) {
-                const std::string padded = "0x11 0x22" + std::string(length - 9 - end.size(), ' ') + end;
+                const std::string padded = "0x11" + std::string(length - 9 - end.size(), ' ') + " 0x22" + end;
                 const std::string tail = finalEnd ? "0x33 0x44" + end + "TFORM:" + end : "0x33 0x44";
                 cases.push_back({"Line" + std::to_string(length) + (end.size() == 2 ? "CrLf" : "Lf") + (finalEnd ? "" : "NoFinalEnd"),
                                  "ZOOMNUM:1" + end + "REGNUM:2" + end + "ZOOM:40" + end + padded + tail, 1, 2, {40},
