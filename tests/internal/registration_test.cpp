@@ -134,14 +134,14 @@ TEST_F(Registration, FirstReadablePlaceWinsOverEverySubsetOfPlaces) {
 // platform open that gives no handle, which the header reader refuses by name.
 TEST_F(Registration, FailedStepsOfAPlaceReturnMinusOne) {
     sandbox.writeFile(kPlaces[0], "ZOOMNUM:1\nREGNUM:1\nZOOM:7\n");
-    {
-        ispdsp_test::FailAllocAfter fault(1);
-        EXPECT_EQ(DRV_ispGetRegistrateCfg(kPlaces[0], &drvRegistrateParam), -1);
-    }
+    ispdsp_host_fail_alloc_after(1);
+    EXPECT_EQ(DRV_ispGetRegistrateCfg(kPlaces[0], &drvRegistrateParam), -1);
+    ispdsp_host_fail_alloc_after(0);
     ispdsp_host_open_without_handle(1);
     EXPECT_EQ(DRV_ispGetRegistrateCfg(kPlaces[0], &drvRegistrateParam), -1);
     ispdsp_host_open_without_handle(0);
     EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetPropertyCfg", "param is null!\n"), 1u);
+    EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispGetRegistrateCfg", "getPropertyCfgNew failed\n"), 1u);
 }
 
 TEST_F(Registration, MalformedHeaderFailsThePlaceAndTheNextIsTried) {
