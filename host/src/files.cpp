@@ -1,6 +1,7 @@
 // Files of the reference host: stdio streams behind OSA_FileHandle, with every
 // absolute path placed under the sandbox root named by ISPDSP_ROOT, or memory
 // streams over a store of files kept by path (fmemopen / open_memstream).
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -25,6 +26,8 @@ struct HostFile {
     std::FILE* stream;
     uint64_t read_limit = UINT64_MAX;  // fault injection, fixed at open
     uint64_t bytes_read = 0;           // counted against the read limit
+    uint64_t write_limit = UINT64_MAX;  // fault injection, fixed at open
+    uint64_t bytes_written = 0;
     std::shared_ptr<const Bytes> data;  // memory file being read: alive while open
     std::string written_path;          // memory file being written, stored at close
     char* written = nullptr;
@@ -36,6 +39,7 @@ std::string g_read_limit_path;       // empty: every file
 std::atomic<uint64_t> g_open_files{0};
 std::atomic<uint64_t> g_bytes_read{0};
 std::atomic<bool> g_open_without_handle{false};
+std::atomic<uint64_t> g_write_limit{UINT64_MAX};
 
 std::mutex g_mutex;
 bool g_memory_files = false;
@@ -117,6 +121,8 @@ void ispdsp_host_get_file_stats(ispdsp_host_file_stats* stats) {
     }
 }
 
+void ispdsp_host_limit_file_writes(uint64_t limit) { g_write_limit.store(limit); }
+
 void ispdsp_host_open_without_handle(int on) { g_open_without_handle.store(on != 0); }
 
 void ispdsp_host_use_memory_files(int on) {
@@ -153,6 +159,7 @@ Int32 OSA_fileOpen(const Char* fileName, Int32 mode, OSA_FileHandle* hFile) {
         return 0;  // the faulty platform layer: success, and *hFile stays NULL
     }
     auto file = std::make_unique<HostFile>();
+    file->write_limit = g_write_limit.load();
     bool memory;
     {
         std::lock_guard<std::mutex> lock(g_mutex);
@@ -204,8 +211,10 @@ Int32 OSA_fileWrite(OSA_FileHandle hFile, const void* buffer, Uint32 size) {
     if (file == nullptr || (buffer == nullptr && size != 0)) {
         return -1;
     }
-    const size_t want = clamp_size(size);
-    const size_t put = std::fwrite(buffer, 1, want, file->stream);
+    const uint64_t room = file->write_limit - std::min(file->bytes_written, file->write_limit);
+    const size_t want = static_cast<size_t>(std::min<uint64_t>(clamp_size(size), room));
+    const size_t put = want == 0 ? 0 : std::fwrite(buffer, 1, want, file->stream);
+    file->bytes_written += put;
     if (put == 0 && want != 0) {
         return -1;
     }

@@ -200,6 +200,10 @@ TEST_F(Rlr, WriteAndExactFailures) {
     EXPECT_EQ(CFG_aewWriteRlrCfg("/none/rlr.bin", &out), -1);
     EXPECT_EQ(DRV_loadRlrCfg(nullptr), -1);
     EXPECT_EQ(log.count(LogKind::Error), 10u);  // one error line each
+    ispdsp_host_limit_file_writes(767);          // the flash fills one byte short
+    EXPECT_EQ(CFG_aewWriteRlrCfg(kFlash, &out), -1);
+    ispdsp_host_limit_file_writes(UINT64_MAX);
+    EXPECT_TRUE(log.has(LogKind::Error, "CFG_aewWriteRlrCfg", "write rlr cfg failed,size = 767\n"));
 
     // A pipe cannot seek to its end. The writer end is held open so that opening it does not wait.
     sandbox.makeDir("/var/custom");

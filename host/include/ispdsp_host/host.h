@@ -50,6 +50,11 @@ void ispdsp_host_fail_alloc_after(uint64_t n);
 void ispdsp_host_limit_file_reads(uint64_t limit);
 void ispdsp_host_limit_file_reads_of(const char* path, uint64_t limit);
 
+/* Fault injection: OSA_fileWrite accepts at most `limit` bytes in total per
+ * file opened from now on (the device looks full there); UINT64_MAX switches
+ * it off. */
+void ispdsp_host_limit_file_writes(uint64_t limit);
+
 /* Fault injection: while on (on != 0), OSA_fileOpen reports success but hands
  * out no handle, as a faulty platform layer might; 0 switches it off. */
 void ispdsp_host_open_without_handle(int on);
