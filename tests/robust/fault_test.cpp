@@ -177,8 +177,10 @@ TEST_F(RobustFault, ParamFileLoaderEndsCleanlyWhenItsAllocationFails) {
     CFG_IspParamTable header{};
     Ptr buffer = nullptr;
     const auto load = [&](const char* path) { return DRV_ispCfgLoad(path, ISPDSP_PARAM_FILE_VERSION, &header, &buffer); };
-    // A fresh header and no buffer: the block's buffer cannot be taken.
-    EXPECT_EQ(withFault<FailAllocAfter>([&] { return load(driver_test::kCommonParamFile); }, 1), -1);
+    // A fresh header and no buffer: the block's buffer cannot be taken (the reader's own -1).
+    const auto read = [&] {
+        return DRV_ispCfgReadCheckParam(driver_test::kCommonParamFile, ISPDSP_PARAM_FILE_VERSION, &header, &buffer); };
+    EXPECT_EQ(withFault<FailAllocAfter>(read, 1), -1);
     EXPECT_EQ(buffer, nullptr);
     // A second load that needs more room releases the first buffer before
     // asking for the new one: when that fails, no buffer is left.
