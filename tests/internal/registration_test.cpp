@@ -130,10 +130,11 @@ TEST_F(Registration, FirstReadablePlaceWinsOverEverySubsetOfPlaces) {
     }
 }
 
-// A failed step of one place returns -1 itself: the line buffer's allocation, and a
-// platform open that gives no handle, which the header reader refuses by name.
+// A failed step of one place returns -1 itself: the open, the line buffer's allocation, and
+// a platform open that gives no handle, which the header reader refuses by name.
 TEST_F(Registration, FailedStepsOfAPlaceReturnMinusOne) {
     sandbox.writeFile(kPlaces[0], "ZOOMNUM:1\nREGNUM:1\nZOOM:7\n");
+    EXPECT_EQ(DRV_ispGetRegistrateCfg("/var/none.txt", &drvRegistrateParam), -1);
     ispdsp_host_fail_alloc_after(1);
     EXPECT_EQ(DRV_ispGetRegistrateCfg(kPlaces[0], &drvRegistrateParam), -1);
     ispdsp_host_fail_alloc_after(0);
