@@ -1,7 +1,6 @@
 // Files of the reference host: stdio streams behind OSA_FileHandle, with every
 // absolute path placed under the sandbox root named by ISPDSP_ROOT, or memory
 // streams over a store of files kept by path (fmemopen / open_memstream).
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -80,9 +79,9 @@ HostFile* as_file(OSA_FileHandle h) { return static_cast<HostFile*>(h); }
 // Int32 results count bytes: one call moves at most INT32_MAX.
 size_t clamp_size(Uint32 size) { return size > INT32_MAX ? size_t{INT32_MAX} : size_t{size}; }
 
-// How many of `want` bytes the read limit lets through.
-size_t allowed(const HostFile& file, size_t want) {
-    const uint64_t left = file.bytes_read >= file.read_limit ? 0 : file.read_limit - file.bytes_read;
+// How many of `want` bytes a limit lets through after `used` bytes.
+size_t allowed(uint64_t limit, uint64_t used, size_t want) {
+    const uint64_t left = used >= limit ? 0 : limit - used;
     return want < left ? want : static_cast<size_t>(left);
 }
 
@@ -197,7 +196,7 @@ Int32 OSA_fileRead(OSA_FileHandle hFile, Ptr buffer, Uint32 size) {
     if (file == nullptr || (buffer == nullptr && size != 0)) {
         return -1;
     }
-    const size_t want = allowed(*file, clamp_size(size));
+    const size_t want = allowed(file->read_limit, file->bytes_read, clamp_size(size));
     const size_t got = std::fread(buffer, 1, want, file->stream);
     delivered(*file, got);
     if (got == 0 && want != 0 && std::ferror(file->stream)) {
@@ -211,8 +210,7 @@ Int32 OSA_fileWrite(OSA_FileHandle hFile, const void* buffer, Uint32 size) {
     if (file == nullptr || (buffer == nullptr && size != 0)) {
         return -1;
     }
-    const uint64_t room = file->write_limit - std::min(file->bytes_written, file->write_limit);
-    const size_t want = static_cast<size_t>(std::min<uint64_t>(clamp_size(size), room));
+    const size_t want = allowed(file->write_limit, file->bytes_written, clamp_size(size));
     const size_t put = want == 0 ? 0 : std::fwrite(buffer, 1, want, file->stream);
     file->bytes_written += put;
     if (put == 0 && want != 0) {
@@ -257,7 +255,7 @@ Int32 OSA_fgets(Char* buffer, Int32 size, OSA_FileHandle hFile) {
         return -1;
     }
     // At most size - 1 bytes and what the read limit leaves; nothing left reads as the end.
-    const size_t room = allowed(*file, static_cast<size_t>(size) - 1);
+    const size_t room = allowed(file->read_limit, file->bytes_read, static_cast<size_t>(size) - 1);
     if (room == 0 && size > 1) {
         return -1;
     }
