@@ -1,10 +1,10 @@
 // The gain blend of one value: s + c * (e - s) in single precision with one
 // rounding, then rounded half away from zero. Every x86-64 and AArch64 build
 // must give the same integers, so the FMA is written out and nothing is left
-// to compiler contraction.
+// to compiler contraction, and every step after it is exact, so the host
+// thread's rounding mode and flush-to-zero settings cannot change the result.
 #pragma once
 
-#include <bit>
 #include <cmath>
 
 #include "ispdsp/types.h"
@@ -20,11 +20,19 @@ inline Int32 truncSaturated(double t) {
     return static_cast<Int32>(t);
 }
 
-// s and e are the field's values with its signedness; the difference is exact
-// as an integer and as a float (|e - s| < 2^17).
+// The blended value before rounding to an integer. s and e are the field's
+// values with its signedness; e - s and both conversions are exact (|e - s| <
+// 2^17). The host's contract (docs/numerics.md): the library rounds as the
+// calling thread's mode says in this one place, and nowhere else: the single
+// rounding of this fused multiply-add when the product is inexact.
+inline float blendValue(Int32 s, Int32 e, float c) {
+    return std::fmaf(c, static_cast<float>(e - s), static_cast<float>(s));
+}
+
+// Any coefficient. d + 0.5 is exact for |d| < 2^52 and anything larger
+// saturates, so the result does not depend on the rounding mode.
 inline Int32 blendRound(Int32 s, Int32 e, float c) {
-    const float v = std::fmaf(c, static_cast<float>(e - s), static_cast<float>(s));
-    const double d = v;
+    const double d = blendValue(s, e, c);
     // A coefficient outside 0..1 extrapolates and a NaN one gives NaN: both
     // saturate instead of overflowing the conversion.
     // d + copysign(0.5, d) is d >= 0 ? d + 0.5 : d - 0.5 (for -0.0 both truncate
@@ -32,27 +40,37 @@ inline Int32 blendRound(Int32 s, Int32 e, float c) {
     return truncSaturated(d + std::copysign(0.5, d));
 }
 
-// The largest float below one half.
-inline constexpr float kJustBelowHalf = 0.49999997f;
-static_assert(std::bit_cast<Uint32>(kJustBelowHalf) == 0x3EFFFFFFu);
-
-// blendRound for a coefficient in [0, 1], in single precision. v then lies
-// between s and e, so it is finite and |v| < 2^23 for the fields' values, and
-// truncating |v| + kJustBelowHalf rounds |v| half away from zero exactly: a tie
-// n + 0.5 still reaches n + 1 (n + 1 - 2^-25 rounds up, to even for n = 0),
-// while 0.49999997, which |v| + 0.5f would round up to 1.0, stays below 1.
-// Same integer as blendRound, without widening to double.
-inline Int32 blendRoundInRange(Int32 s, Int32 e, float c) {
-    const float v = std::fmaf(c, static_cast<float>(e - s), static_cast<float>(s));
-    const Int32 away = static_cast<Int32>(std::fabs(v) + kJustBelowHalf);
+// The rounding of v half away from zero for |v| < 2^23 (a blend with a
+// coefficient in [0, 1] lies between its two field values), in single
+// precision and exact in every rounding mode: truncation ignores the mode,
+// and |v| - trunc(|v|) is exact (the two are within a factor of two, or the
+// integer part is 0), so the comparison with one half sees the true remainder.
+// Adding a constant below one half and truncating would be shorter but
+// rounds as the thread's mode says. Tiny values that flush-to-zero or
+// denormals-are-zero treat as 0 round to 0 either way.
+inline Int32 roundHalfAwayInRange(float v) {
+    const float magnitude = std::fabs(v);
+    const Int32 whole = static_cast<Int32>(magnitude);
+    const Int32 away = whole + ((magnitude - static_cast<float>(whole)) >= 0.5f ? 1 : 0);
     return v < 0.0f ? -away : away;
 }
 
+// roundHalfAwayInRange for a value that is never negative.
+inline Int32 roundHalfUpInRange(float v) {
+    const Int32 whole = static_cast<Int32>(v);
+    return whole + ((v - static_cast<float>(whole)) >= 0.5f ? 1 : 0);
+}
+
+// blendRound for a coefficient in [0, 1], without widening to double: the
+// same integer in every rounding mode as soon as the FMA's value is the same.
+inline Int32 blendRoundInRange(Int32 s, Int32 e, float c) {
+    return roundHalfAwayInRange(blendValue(s, e, c));
+}
+
 // blendRoundInRange for values that are never negative (curve points and
-// unsigned fields), so neither is v.
+// unsigned fields), so neither is the blend.
 inline Int32 blendRoundUnsignedInRange(Int32 s, Int32 e, float c) {
-    const float v = std::fmaf(c, static_cast<float>(e - s), static_cast<float>(s));
-    return static_cast<Int32>(v + kJustBelowHalf);
+    return roundHalfUpInRange(blendValue(s, e, c));
 }
 
 }  // namespace ispdsp::fusion

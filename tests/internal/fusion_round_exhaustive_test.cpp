@@ -18,8 +18,16 @@
 
 #include "fusion/fusion_blend.h"
 #include "ispdsp/fusion.h"
+#include "support/fp_environment.h"
 
 namespace {
+
+using ispdsp_test::FpEnvironment;
+
+class FusionRoundExhaustive : public testing::TestWithParam<FpEnvironment> {
+protected:
+    ispdsp_test::ScopedFpEnvironment environment_{GetParam()};
+};
 
 int32_t oracle(int32_t s, int32_t e, float c) {
     const double v = std::fmaf(c, float(e - s), float(s));
@@ -73,12 +81,13 @@ private:
     std::vector<std::pair<int, int>> pairs_;
 };
 
-TEST(FusionRoundExhaustive, EveryCurvePairOverADenseGridAndOneUlpAroundAHalf) {
+TEST_P(FusionRoundExhaustive, EveryCurvePairOverADenseGridAndOneUlpAroundAHalf) {
     std::vector<float> cs;
     for (int i = 0; i <= 1024; ++i) cs.push_back(float(i) / 1024.0f);
     // 0.5 and one ulp of each binade of n + 0.5 either side: the blend of n
     // and n + 1 lands exactly on the half or one ulp beside it (0.49999997 for n = 0).
     cs.push_back(0.5f);
+    cs.push_back(std::ldexp(1.0f, -149));  // a denormal coefficient: flushed or not, the blend stays s
     for (int j = 16; j <= 25; ++j) {
         cs.push_back(0.5f - std::ldexp(1.0f, -j));
         cs.push_back(0.5f + std::ldexp(1.0f, -j));
@@ -96,7 +105,7 @@ TEST(FusionRoundExhaustive, EveryCurvePairOverADenseGridAndOneUlpAroundAHalf) {
 
 // For every difference d the blend crosses a half at c = (k + 0.5) / d: that
 // coefficient and two ulps either side, over all pairs with that difference.
-TEST(FusionRoundExhaustive, EveryHalfWayCrossingOfEachDifference) {
+TEST_P(FusionRoundExhaustive, EveryHalfWayCrossingOfEachDifference) {
     CurveRig rig;
     size_t bad = 0;
     for (int d = 1; d <= 255; ++d) {
@@ -116,7 +125,7 @@ TEST(FusionRoundExhaustive, EveryHalfWayCrossingOfEachDifference) {
 
 // The scalar fields: 16-bit and signed values, same crossings (the unsigned
 // form for values that are never negative).
-TEST(FusionRoundExhaustive, ScalarFormOnWideAndSignedValues) {
+TEST_P(FusionRoundExhaustive, ScalarFormOnWideAndSignedValues) {
     const int32_t values[] = {-32768, -32767, -300, -256, -255, -129, -128, -2, -1, 0, 1, 2, 127, 128, 255, 256,
                               1023, 2047, 16383, 16384, 32767, 65024, 65025, 65534, 65535};
     size_t bad = 0;
@@ -145,5 +154,49 @@ TEST(FusionRoundExhaustive, ScalarFormOnWideAndSignedValues) {
     }
     EXPECT_EQ(bad, 0u);
 }
+
+// Ties and exact blends through the public calculation, scalar lanes and
+// curve alike: the product is exact, so the mode cannot move them.
+TEST_P(FusionRoundExhaustive, ExactBlendsGiveTheSameIntegersInEveryMode) {
+    auto in = std::make_unique<DSP_FusionCalculateParam>();
+    std::memset(in.get(), 0, sizeof *in);
+    DRV_gainInterParam gain{};
+    gain.gainStartIndex = 10;
+    gain.gainEndIndex = 13;
+    in->gainInterParam = &gain;
+    uint8_t curve[FUSION_NIR_POINTS] = {};
+    DSP_FusionV2722 out{};
+    out.fusionParam.w_nir = curve;
+    CFG_DSP_FusionV2722& s = in->fusionParam[10];
+    CFG_DSP_FusionV2722& e = in->fusionParam[13];
+    s.hf_zoom = 10, e.hf_zoom = 13;
+    s.uv_coef = 13, e.uv_coef = 10;
+    s.high_lum_thr = -10, e.high_lum_thr = -13;
+    s.nir_a = -1, e.nir_a = 1;
+    s.dark_inner = 100, e.dark_inner = 200;
+    s.ep_delta = 1000, e.ep_delta = 1003;
+    for (int i = 0; i < FUSION_NIR_POINTS; ++i) s.w_nir[i] = uint8_t(i), e.w_nir[i] = uint8_t(255 - i);
+
+    gain.interCoff = 0.5f;
+    ASSERT_EQ(DRV_dspCalculateFusion(in.get(), &out), 0);
+    const FUSION_PARAM_V2_7_22& p = out.fusionParam;
+    EXPECT_EQ(p.hf_zoom, 12);
+    EXPECT_EQ(p.uv_coef, 12);
+    EXPECT_EQ(p.high_lum_thr, -12);
+    EXPECT_EQ(p.nir_a, 0);
+    EXPECT_EQ(p.dark_inner, 150);
+    EXPECT_EQ(p.ep_delta, 1002);
+    for (int i = 0; i < FUSION_NIR_POINTS; ++i) ASSERT_EQ(curve[i], 128) << i;  // (i + 255 - i) / 2 = 127.5
+
+    gain.interCoff = 0.25f;
+    ASSERT_EQ(DRV_dspCalculateFusion(in.get(), &out), 0);
+    EXPECT_EQ(p.dark_inner, 125);
+    EXPECT_EQ(p.uv_coef, 12);        // 12.25
+    EXPECT_EQ(p.high_lum_thr, -11);  // -10.75
+    EXPECT_EQ(curve[1], 64);         // 1 + 63.25
+}
+
+INSTANTIATE_TEST_SUITE_P(FpEnvironments, FusionRoundExhaustive, testing::ValuesIn(ispdsp_test::fpEnvironments()),
+                         [](const testing::TestParamInfo<FpEnvironment>& info) { return info.param.name; });
 
 }  // namespace
