@@ -40,25 +40,22 @@ inline Int32 blendRound(Int32 s, Int32 e, float c) {
     return truncSaturated(d + std::copysign(0.5, d));
 }
 
-// The rounding of v half away from zero for |v| < 2^23 (a blend with a
-// coefficient in [0, 1] lies between its two field values), in single
-// precision and exact in every rounding mode: truncation ignores the mode,
-// and |v| - trunc(|v|) is exact (the two are within a factor of two, or the
-// integer part is 0), so the comparison with one half sees the true remainder.
-// Adding a constant below one half and truncating would be shorter but
-// rounds as the thread's mode says. Tiny values that flush-to-zero or
-// denormals-are-zero treat as 0 round to 0 either way.
-inline Int32 roundHalfAwayInRange(float v) {
-    const float magnitude = std::fabs(v);
-    const Int32 whole = static_cast<Int32>(magnitude);
-    const Int32 away = whole + ((magnitude - static_cast<float>(whole)) >= 0.5f ? 1 : 0);
-    return v < 0.0f ? -away : away;
+// Rounding half away from zero for 0 <= v < 2^22 (a blend with a coefficient
+// in [0, 1] lies between its two field values), exact in every rounding mode:
+// with v = n + f, doubling is exact and truncation ignores the mode, so
+// trunc(2v) = 2n + (f >= 1/2 ? 1 : 0) and (trunc(2v) + 1) >> 1 = n + (f >= 1/2).
+// Adding a constant below one half and truncating would round as the thread's
+// mode says. Values that flush-to-zero or denormals-are-zero treat as 0 are far
+// below one half and give 0 either way. Integer steps only after the one
+// conversion, so a curve loop stays a short vector sequence.
+inline Int32 roundHalfUpInRange(float v) {
+    return (static_cast<Int32>(v + v) + 1) >> 1;
 }
 
-// roundHalfAwayInRange for a value that is never negative.
-inline Int32 roundHalfUpInRange(float v) {
-    const Int32 whole = static_cast<Int32>(v);
-    return whole + ((v - static_cast<float>(whole)) >= 0.5f ? 1 : 0);
+// roundHalfUpInRange for either sign: the magnitude rounds up, the sign returns.
+inline Int32 roundHalfAwayInRange(float v) {
+    const Int32 away = roundHalfUpInRange(std::fabs(v));
+    return v < 0.0f ? -away : away;
 }
 
 // blendRound for a coefficient in [0, 1], without widening to double: the

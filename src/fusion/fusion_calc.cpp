@@ -9,6 +9,7 @@
 #include "fusion/fusion_blend.h"
 #include "fusion/fusion_calc.h"
 #include "fusion/fusion_curve.h"
+#include "fusion/fusion_curve_avx2.h"
 #include "fusion/fusion_fields.h"
 #include "fusion/fusion_lanes.h"
 #include "ispdsp/fusion.h"
@@ -115,6 +116,12 @@ void blendRecords(const CFG_DSP_FusionV2722* start, const CFG_DSP_FusionV2722* e
         return;
     }
     if (inRange) {
+#ifdef ISPDSP_HAVE_AVX2_CURVE
+        if (cpuHasAvx2Fma()) {
+            blendCurveInRangeAvx2(s, e, c, outCurve);
+            return;
+        }
+#endif
         forEachCurveBlock([&](Int32 first) { blendBlockInRange(s + first, e + first, c, outCurve + first); });
     } else {
         forEachCurveBlock([&](Int32 first) { blendBlock(s + first, e + first, c, outCurve + first); });
