@@ -194,6 +194,13 @@ TEST_P(FusionRoundExhaustive, ExactBlendsGiveTheSameIntegersInEveryMode) {
     EXPECT_EQ(p.uv_coef, 12);        // 12.25
     EXPECT_EQ(p.high_lum_thr, -11);  // -10.75
     EXPECT_EQ(curve[1], 64);         // 1 + 63.25
+
+    // Outside [0, 1] the blend extrapolates through the double-based rounding.
+    gain.interCoff = 1.5f;
+    ASSERT_EQ(DRV_dspCalculateFusion(in.get(), &out), 0);
+    EXPECT_EQ(p.hf_zoom, 15);         // 14.5
+    EXPECT_EQ(p.high_lum_thr, -15);   // -14.5
+    EXPECT_EQ(curve[0], 383 - 256);   // 0 -> 255: 382.5, kept to 8 bits
 }
 
 INSTANTIATE_TEST_SUITE_P(FpEnvironments, FusionRoundExhaustive, testing::ValuesIn(ispdsp_test::fpEnvironments()),
