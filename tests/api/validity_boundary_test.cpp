@@ -233,7 +233,7 @@ Outcome console(Sandbox& sandbox, LogCapture& log, const std::vector<const char*
         out.result = pipe.console(&cmd.record, 0);
         out.applied = pipe.instance()->dspCfgTables.curTable->ispFusionParam[0].uv_w == 9;
     }
-    pipe.remove();
+    if (pipe.xHndl() != nullptr) pipe.remove();
     return out;
 }
 
@@ -255,8 +255,9 @@ Outcome fusionFrame(int64_t v, Sandbox& sandbox, LogCapture& log) {
         log.clear();
         out = {colour.fusion(), log.contains("[DSP_DRV] pswitch=")};
     }
-    colour.remove();
-    mono.remove();
+    for (HostPipe* pipe : {&colour, &mono}) {
+        if (pipe->xHndl() != nullptr) pipe->remove();
+    }
     return out;
 }
 
