@@ -1,231 +1,50 @@
-// Layouts come from the public record headers (offsetof/decltype). Ranges come from the
-// driver's own tables, never typed here: the fusion scalars' output limits
-// (fusion/fusion_fields.h, which also names and places them) and each stage's calculation
-// steps (stages/*_rules.h: a cap, a range, a 0/1 flag, or a copy that the DSP takes whole).
+// Every field comes from the tuning description: the fusion scalars from fusion/fusion_fields.h,
+// the stage records' fields and the ranges their calculations enforce from tuning/stage_list.h.
+// Nothing about a field is typed here.
 #include "field_table.h"
 
-#include <cstdlib>
-#include <cstring>
-#include <limits>
-#include <type_traits>
-#include <utility>
+#include <deque>
+#include <string_view>
 #include <vector>
 
 #include "fusion/fusion_fields.h"
-#include "fusion/fusion_plate_rules.h"
-#include "ispdsp/param_table.h"
-#include "stages/dlae_rules.h"
-#include "stages/dlcfa_rules.h"
-#include "stages/fg2c_rules.h"
-#include "stages/lae_rules.h"
-#include "stages/lle_rules.h"
-#include "stages/lsm_rules.h"
-#include "stages/sade_rules.h"
-#include "stages/sbm3d_rules.h"
-#include "stages/y2d_rules.h"
-#include "stages/ylwdr_rules.h"
-#include "stages/yuv2yuv_rules.h"
+#include "tuning/stage_list.h"
 
 namespace ispcfg {
 namespace {
 
-template <class T>
-constexpr Scalar scalarOf() {
-    using U = std::remove_cvref_t<T>;
-    if constexpr (std::is_same_v<U, uint8_t>)
-        return Scalar::U8;
-    else if constexpr (std::is_same_v<U, int8_t>)
-        return Scalar::I8;
-    else if constexpr (std::is_same_v<U, uint16_t>)
-        return Scalar::U16;
-    else if constexpr (std::is_same_v<U, int16_t>)
-        return Scalar::I16;
-    else if constexpr (std::is_same_v<U, uint32_t>)
-        return Scalar::U32;
-    else {
-        static_assert(std::is_same_v<U, int32_t>, "unsupported field type");
-        return Scalar::I32;
-    }
-}
-
-using Table = CFG_DspIspCfgParam;
-using Step = CFG_DSP_FusionV2722;
-using ispdsp::stages::StageRules;
-
-// Where a field lies; its range is looked up in the driver's tables (see rangeOf).
-struct Layout {
-    const char* record;
-    const char* group;
-    const char* name;
-    uint16_t offset;  // inside the table
-    Scalar type;
-};
-
-// A stage record in the table and the rules its calculation follows. The fusion plate has no
-// rule table (its one field is the weight; see fusion/fusion_plate_rules.h).
-struct StageRecord {
-    const char* record;
-    uint16_t offset;
-    const StageRules* rules;
-};
-
-#define RECORD_AT(record, rules) \
-    StageRecord { #record, offsetof(Table, record), rules }
-const StageRecord kStageRecords[] = {
-    RECORD_AT(ispLsmParam, &ispdsp::stages::lsm::kRules),
-    RECORD_AT(ispLaeParam, &ispdsp::stages::lae::kRules),
-    RECORD_AT(ispSbm3dParam, &ispdsp::stages::sbm3d::kRules),
-    RECORD_AT(ispYuv2yuvParam, &ispdsp::stages::yuv2yuv::kRules),
-    RECORD_AT(ispFusionPlateParam, nullptr),
-    RECORD_AT(ispFg2cParam, &ispdsp::stages::fg2c::kRules),
-    RECORD_AT(ispLleParam, &ispdsp::stages::lle::kRules),
-    RECORD_AT(ispYlwdrParam, &ispdsp::stages::ylwdr::kRules),
-    RECORD_AT(ispY2dParam, &ispdsp::stages::y2d::kRules),
-    RECORD_AT(ispDlaeParam, &ispdsp::stages::dlae::kRules),
-    RECORD_AT(ispDlcfaParam, &ispdsp::stages::dlcfa::kRules),
-    RECORD_AT(ispSadeParam, &ispdsp::stages::sade::kRules),
-};
-#undef RECORD_AT
-
-// clang-format off
-#define MEMBER_TYPE(Type, member) decltype(std::declval<Type&>().member)
-#define ROW(rec, grp, name, member) \
-    Layout{rec, grp, name, static_cast<uint16_t>(offsetof(Table, member)), scalarOf<MEMBER_TYPE(Table, member)>()}
-#define STAGE(record, member) ROW(#record, "", #member, record.member)
-#define LAE(group, member) ROW("ispLaeParam", #group, #member, ispLaeParam.group.member)
-
-// The stage records' fields in table order (the fusion scalars come from the driver's table).
-const Layout kStageLayout[] = {
-    STAGE(ispLsmParam, aw_left_thr),
-    STAGE(ispLsmParam, aw_right_thr),
-    STAGE(ispLsmParam, aw_top_thr),
-    STAGE(ispLsmParam, aw_bottom_thr),
-
-    LAE(plateLaeParam, manual_en),
-    LAE(plateLaeParam, gbce_level),
-    LAE(plateLaeParam, gbce_lut_index),
-    LAE(plateLaeParam, ee_level),
-    LAE(plateLaeParam, nf_level),
-    LAE(plateLaeParam, blue_color_level),
-    LAE(plateLaeParam, green_luma_ave_thr),
-    LAE(plateLaeParam, green_bg_noise_level),
-    LAE(plateLaeParam, green_color_level),
-    LAE(plateLaeParam, blue_binary_thr),
-    LAE(plateLaeParam, blue_proc_thr),
-    LAE(windowLaeParam, manual_en),
-    LAE(windowLaeParam, gbce_level),
-    LAE(windowLaeParam, gbce_lut_index),
-    LAE(windowLaeParam, ee_level),
-    LAE(windowLaeParam, nf_level),
-
-    STAGE(ispSbm3dParam, sbm3d_threshold),
-
-    STAGE(ispYuv2yuvParam, enable),
-
-    STAGE(ispFusionPlateParam, fuse_weight),
-
-    STAGE(ispFg2cParam, need_win_enhence),
-    STAGE(ispFg2cParam, win_fusion_weight),
-    STAGE(ispFg2cParam, face_fusion_weight),
-    STAGE(ispFg2cParam, face_fusion_pad),
-
-    STAGE(ispLleParam, window_gain),
-    STAGE(ispLleParam, gamma),
-    STAGE(ispLleParam, edge),
-    STAGE(ispLleParam, denoise),
-    STAGE(ispLleParam, fusion_weight),
-
-    STAGE(ispYlwdrParam, hist_thr),
-    STAGE(ispYlwdrParam, scope_thr),
-    STAGE(ispYlwdrParam, lep_alpha),
-    STAGE(ispYlwdrParam, lut_weight),
-    STAGE(ispYlwdrParam, yout_thr0),
-    STAGE(ispYlwdrParam, yout_thr1),
-    STAGE(ispYlwdrParam, alpha1),
-    STAGE(ispYlwdrParam, alpha2),
-    STAGE(ispYlwdrParam, alpha31),
-    STAGE(ispYlwdrParam, alpha32),
-    STAGE(ispYlwdrParam, d1_thr1),
-    STAGE(ispYlwdrParam, d1_thr2),
-    STAGE(ispYlwdrParam, d1_thr3),
-    STAGE(ispYlwdrParam, d2_thr1),
-    STAGE(ispYlwdrParam, d2_thr2),
-    STAGE(ispYlwdrParam, gamma_coef),
-    STAGE(ispYlwdrParam, uv_thr),
-    STAGE(ispYlwdrParam, uv_gain),
-
-    STAGE(ispY2dParam, sd_spe),
-    STAGE(ispY2dParam, sd_de_gau0),
-    STAGE(ispY2dParam, sd_de_gau1),
-    STAGE(ispY2dParam, sd_dark),
-    STAGE(ispY2dParam, sd_dark_ra),
-    STAGE(ispY2dParam, sd_bright),
-    STAGE(ispY2dParam, sd_bright_ra),
-    STAGE(ispY2dParam, sd_ee_gau0),
-    STAGE(ispY2dParam, sd_sigma),
-    STAGE(ispY2dParam, sd_ee_gau1),
-    STAGE(ispY2dParam, sd_ee_slope),
-    STAGE(ispY2dParam, win_size),
-
-    STAGE(ispDlaeParam, fusion_weight),
-    STAGE(ispDlaeParam, window_gain),
-    STAGE(ispDlaeParam, gamma),
-    STAGE(ispDlaeParam, edge),
-    STAGE(ispDlaeParam, denoise),
-
-    STAGE(ispDlcfaParam, ee_level),
-    STAGE(ispDlcfaParam, gamma),
-    STAGE(ispDlcfaParam, luma_contrast),
-    STAGE(ispDlcfaParam, denoise),
-    STAGE(ispDlcfaParam, fusion_weight),
-
-    STAGE(ispSadeParam, model_type),
-    STAGE(ispSadeParam, ee_level),
-    STAGE(ispSadeParam, nr_level),
-    STAGE(ispSadeParam, black_edge),
-    STAGE(ispSadeParam, white_edge),
-};
-// clang-format on
-
-// The range the stage's calculation lets through for the field at `offset` in its record.
-std::pair<int64_t, int64_t> rangeOf(const StageRecord& record, const Layout& field) {
-    if (record.rules == nullptr)
-        return {ispdsp::fusion_plate::kFuseWeightMin, ispdsp::fusion_plate::kFuseWeightMax};
-    const size_t at = field.offset - record.offset;  // the calculation input starts with the record
-    for (const ispdsp::stages::CalcStep& step : record.rules->calc) {
-        if (step.from.offset != at) continue;
-        switch (step.rule) {
-            case ispdsp::stages::Rule::Copy: break;
-            case ispdsp::stages::Rule::Cap: return {0, step.high};
-            case ispdsp::stages::Rule::Range: return {step.low, step.high};
-            case ispdsp::stages::Rule::Flag: return {0, 1};
-        }
-    }
-    return {minOf(field.type), maxOf(field.type)};  // taken whole
-}
-
-const StageRecord& recordOf(const Layout& field) {
-    for (const StageRecord& r : kStageRecords) {
-        if (std::strcmp(r.record, field.record) == 0) return r;
-    }
-    std::abort();  // every layout row names one of the records above
-}
-
-Scalar scalarOfWidth(size_t width, bool isSigned) {
+Scalar scalarOf(size_t width, bool isSigned) {
     if (width == 1) return isSigned ? Scalar::I8 : Scalar::U8;
-    return isSigned ? Scalar::I16 : Scalar::U16;
+    if (width == 2) return isSigned ? Scalar::I16 : Scalar::U16;
+    return isSigned ? Scalar::I32 : Scalar::U32;
 }
 
-// The table-level flag, the fusion scalars from the driver's table, then the stage fields.
+// A stored field's path ("plateLaeParam.gbce_level") as its group and name; the parts live as
+// long as the table.
+std::pair<const char*, const char*> splitPath(const char* path) {
+    static std::deque<std::string> parts;
+    const std::string_view p(path);
+    const size_t dot = p.find('.');
+    if (dot == std::string_view::npos) return {"", path};
+    parts.emplace_back(p.substr(0, dot));
+    return {parts.back().c_str(), path + dot + 1};
+}
+
+// The table-level flag, the fusion scalars of one gain step, then the stage fields in table order.
 std::vector<FieldDef> buildFields() {
     std::vector<FieldDef> fields;
-    fields.push_back({"", "", "ispFusionFlag", offsetof(Table, ispFusionFlag), Scalar::U32, 0, 0xFFFFFFFF});
+    fields.push_back({"", "", "ispFusionFlag", offsetof(CFG_DspIspCfgParam, ispFusionFlag), Scalar::U32, 0,
+                      0xFFFFFFFF});
     for (const ispdsp::fusion::ScalarField& f : ispdsp::fusion::kScalarFields) {
-        fields.push_back({"fusion", "", f.name, f.offset, scalarOfWidth(f.width, f.isSigned), f.lo, f.hi});
+        fields.push_back({"fusion", "", f.name, f.offset, scalarOf(f.width, f.isSigned), f.lo, f.hi});
     }
-    for (const Layout& l : kStageLayout) {
-        const auto [low, high] = rangeOf(recordOf(l), l);
-        fields.push_back({l.record, l.group, l.name, l.offset, l.type, low, high});
+    for (const ispdsp::tuning::TableStage& stage : ispdsp::tuning::kTableStages) {
+        for (const ispdsp::tuning::NamedField& f : stage.storedFields) {
+            const auto [group, name] = splitPath(f.name);
+            const ispdsp::tuning::Range range = ispdsp::tuning::enforcedRange(stage, f);
+            fields.push_back({stage.recordKey, group, name, static_cast<uint16_t>(stage.tableOffset + f.offset),
+                              scalarOf(f.width, f.isSigned), range.low, range.high});
+        }
     }
     return fields;
 }
@@ -237,10 +56,6 @@ const std::vector<FieldDef>& fieldTable() {
 
 constexpr size_t kFusionScalars = static_cast<size_t>(ispdsp::fusion::kScalarFieldCount);
 constexpr size_t kFirstStageField = 1 + kFusionScalars;
-
-static_assert(sizeof(Table) == kTableBytes && sizeof(Step) == kStepBytes, "record sizes");
-static_assert(offsetof(Table, ispFusionParam) == kFusionOffset && offsetof(Step, w_nir) == kNirOffset, "offsets");
-static_assert(sizeof(Step::w_nir) == kNirPoints, "curve length");
 
 }  // namespace
 
@@ -328,6 +143,12 @@ std::string fieldPath(const FieldDef& field, int gainStep) {
     return path;
 }
 
+bool isFusionField(const FieldDef& field) { return std::strcmp(field.record, "fusion") == 0; }
+
+size_t tableOffsetOf(const FieldDef& field, size_t gainStep) {
+    return isFusionField(field) ? ispdsp::tuning::fusionFieldOffset(gainStep, field.offset) : field.offset;
+}
+
 const std::array<bool, kTableBytes>& paddingMask() {
     static const std::array<bool, kTableBytes> mask = [] {
         std::array<bool, kTableBytes> m;
@@ -336,16 +157,12 @@ const std::array<bool, kTableBytes>& paddingMask() {
             for (size_t i = 0; i < width; ++i) m[offset + i] = false;
         };
         for (const FieldDef& f : allFields()) {
-            if (std::strcmp(f.record, "fusion") == 0) {
-                for (size_t step = 0; step < kGainSteps; ++step) {
-                    cover(kFusionOffset + step * kStepBytes + f.offset, widthOf(f.type));
-                }
-            } else {
-                cover(f.offset, widthOf(f.type));
+            for (size_t step = 0; step < (isFusionField(f) ? kGainSteps : 1); ++step) {
+                cover(tableOffsetOf(f, step), widthOf(f.type));
             }
         }
         for (size_t step = 0; step < kGainSteps; ++step) {
-            cover(kFusionOffset + step * kStepBytes + kNirOffset, kNirPoints);
+            cover(nirCurveOffset(step), kNirPoints);
         }
         return m;
     }();
