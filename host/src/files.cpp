@@ -61,13 +61,25 @@ std::FILE* open_memory(const char* name, Int32 mode, HostFile& file) {
     return fmemopen(file.data->empty() ? &empty : const_cast<unsigned char*>(file.data->data()), file.data->size(), "rb");
 }
 
+// The root a program set with ispdsp_host_set_sandbox_root, if any; guarded by g_root_mutex.
+bool g_root_set = false;
+std::string g_root;
+std::mutex g_root_mutex;
+
 // The root is read at each call so a test can switch sandboxes at run time.
 std::string resolve(const char* path) {
-    const char* root = std::getenv("ISPDSP_ROOT");
-    if (root == nullptr || root[0] == '\0' || path[0] != '/') {
+    std::string out;
+    {
+        std::lock_guard<std::mutex> lock(g_root_mutex);
+        if (g_root_set) {
+            out = g_root;
+        } else if (const char* env = std::getenv("ISPDSP_ROOT")) {
+            out = env;
+        }
+    }
+    if (out.empty() || path[0] != '/') {
         return path;
     }
-    std::string out(root);
     while (!out.empty() && out.back() == '/') {
         out.pop_back();
     }
@@ -93,6 +105,24 @@ void delivered(HostFile& file, size_t bytes) {
 }  // namespace
 
 extern "C" {
+
+void ispdsp_host_set_sandbox_root(const char* root) {
+    std::lock_guard<std::mutex> lock(g_root_mutex);
+    g_root_set = root != nullptr;
+    g_root = root != nullptr ? root : "";
+}
+
+int ispdsp_host_get_sandbox_root(char* out, size_t out_size) {
+    std::lock_guard<std::mutex> lock(g_root_mutex);
+    if (!g_root_set) {
+        return 0;
+    }
+    if (out == nullptr || g_root.size() >= out_size) {
+        return -1;
+    }
+    std::memcpy(out, g_root.c_str(), g_root.size() + 1);
+    return 1;
+}
 
 int ispdsp_host_resolve_path(const char* path, char* out, size_t out_size) {
     if (path == nullptr || out == nullptr || out_size == 0) {

@@ -8,22 +8,13 @@
 
 #include "cfg/param_file_internal.h"
 #include "common/log.h"
+#include "tuning/file_layout.h"
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "file words are read in host order");
-static_assert(offsetof(CFG_IspParamTable, cfg_specParam) == kParamFileHeaderWords * sizeof(Uint32),
-              "the checksummed header words are the in-memory header up to the size word");
 
 namespace {
 
 constexpr Uint32 kFileOverhead = ISPDSP_PARAM_FILE_OVERHEAD;  // header fields + size word + checksum
-constexpr double kVersionTolerance = 1e-6;
-
-// One little-endian word from any address; memcpy keeps unaligned block offsets well-defined.
-Uint32 loadWord(const Uint8* bytes) {
-    Uint32 word;
-    std::memcpy(&word, bytes, sizeof word);
-    return word;
-}
 
 // True when exactly `size` bytes arrived.
 bool readExact(OSA_FileHandle file, void* dst, Uint32 size) {
@@ -52,27 +43,17 @@ struct OpenFile {
 
 }  // namespace
 
-Int32 DRV_compareFloat(Float32 a, Float32 b) {
-    const Float32 diff = std::fabs(a - b);  // single precision, then widened for the comparison
-    return static_cast<double>(diff) < kVersionTolerance ? 0 : -1;
-}
+Int32 DRV_compareFloat(Float32 a, Float32 b) { return ispdsp::tuning::versionAccepted(a, b) ? 0 : -1; }
 
 Int32 CFG_ispCalcChksum(CFG_IspParamTable* cfg_table, Ptr specParam) {
     if (cfg_table == nullptr) {
         return 0;
     }
-    Uint32 sum = 0;
-    const auto* header = reinterpret_cast<const Uint8*>(cfg_table);
-    for (Uint32 i = 0; i < kParamFileHeaderWords; ++i) {
-        sum ^= loadWord(header + i * sizeof(Uint32));
-    }
+    using ispdsp::tuning::xorOfWords;
+    Uint32 sum = xorOfWords(reinterpret_cast<const Uint8*>(cfg_table), ispdsp::tuning::kHeaderBytes);
     if (specParam != nullptr) {
         // The size word and the last size % 4 bytes of the block are not covered.
-        const auto* block = static_cast<const Uint8*>(specParam);
-        const Uint32 words = cfg_table->cfg_specParam.size / sizeof(Uint32);
-        for (Uint32 i = 0; i < words; ++i) {
-            sum ^= loadWord(block + static_cast<size_t>(i) * sizeof(Uint32));
-        }
+        sum ^= xorOfWords(static_cast<const Uint8*>(specParam), cfg_table->cfg_specParam.size);
     }
     return static_cast<Int32>(sum);
 }

@@ -2,9 +2,10 @@
 #pragma once
 
 #include "ispdsp/param_file.h"
+#include "tuning/file_layout.h"
 
 // Number of 32-bit header words covered by the checksum: ver through pdtName (file bytes 0 to 103).
-inline constexpr Uint32 kParamFileHeaderWords = 26;
+inline constexpr Uint32 kParamFileHeaderWords = ispdsp::tuning::kHeaderWords;
 
 // 0 when |a - b| (single precision, widened to double) is below 1e-6, -1 otherwise; NaN is never equal.
 Int32 DRV_compareFloat(Float32 a, Float32 b);

@@ -13,14 +13,15 @@
 #include <cstring>
 
 #include "common/log.h"
+#include "tuning/device_paths.h"
 #include "ispdsp/osa.h"
 
 namespace {
 
 using namespace ispdsp;
 
-constexpr const Char* kRlrCustomPath = "/var/custom/rlr_para.bin";
-constexpr const Char* kRlrFlashPath = "/mnt/mtd/3A/rlr_para.bin";
+constexpr const Char* kRlrCustomPath = ispdsp::tuning::kRlrPath;
+constexpr const Char* kRlrFlashPath = ispdsp::tuning::kRlrFlashPath;
 
 constexpr Uint32 kRlrTableBytes = sizeof(CFG_RlrTableParam);  // 768
 constexpr Int32 kRlrInfoFromEnd = 229;                          // version + date, counted from the end

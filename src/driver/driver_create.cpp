@@ -8,13 +8,13 @@
 #include "driver/registration.h"
 #include "ispdsp/param_file.h"
 #include "ispdsp/param_table.h"
+#include "tuning/device_paths.h"
 
 namespace ispdsp {
 namespace {
 
-// The parameter file: /var/tmp/dsp_isp_para.bin, else /var/tmp/<pipe>/dsp_isp_para.bin.
-constexpr const Char* kParamFileDir = "/var/tmp/";
-constexpr const Char* kParamFileName = "isp_para.bin";
+using tuning::kParamFileDir;
+using tuning::kParamFileName;
 // Path buffers hold 32 bytes and are written with a limit of 31, so at most
 // 30 characters of a path are kept.
 constexpr size_t kParamPathSize = 32;

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "common/log.h"
+#include "tuning/device_paths.h"
 #include "driver/driver_instance.h"
 #include "driver/registration.h"
 #include "fusion/fusion_calc.h"
@@ -13,7 +14,7 @@
 namespace ispdsp {
 namespace {
 
-constexpr const Char* kCalibrationFileName = "calibration.txt";
+constexpr const Char* kCalibrationFileName = tuning::kRegistrationFileName;
 
 // Zoom and calibration change state, once per process and shared by every
 // instance (the registration data is process-wide too). The first pipe that

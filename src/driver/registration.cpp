@@ -9,8 +9,10 @@
 
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include "common/log.h"
+#include "tuning/device_paths.h"
 
 // The arrays live as long as the library: a later load that succeeds releases
 // and replaces them (DRV_ispGetRegCfg), and nothing else releases them. In
@@ -26,11 +28,12 @@ namespace {
 
 using namespace ispdsp;
 
-constexpr const Char* kRegistrateFileName = "calibration.txt";
+constexpr const Char* kRegistrateFileName = ispdsp::tuning::kRegistrationFileName;
 constexpr Int32 kRegistratePathSize = 512;
 
 // The places searched, in order; place number = index + 1.
-constexpr const Char* kRegistratePlaceDirs[kRegistratePlaceCount] = {"/var/tmp/", "/var/", "/mnt/mtd/"};
+constexpr const auto& kRegistratePlaceDirs = ispdsp::tuning::kRegistrationDirs;
+static_assert(std::size(kRegistratePlaceDirs) == kRegistratePlaceCount);
 
 bool isSpace(Char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
 

@@ -28,38 +28,40 @@ struct ScalarField {
     Int32 lo;  // DSP range, inclusive
     Int32 hi;
     Combine combine;
+    const Char* unit;     // "" for a plain level or code
+    const Char* meaning;  // one line for the tuner's reference
 };
 
-// X(field, lo, hi, combine), in record order.
+// X(field, lo, hi, combine, unit, meaning), in record order.
 #define ISPDSP_FUSION_SCALARS(X)               \
-    X(ep_delta, 1, 16383, AbsDiff)             \
-    X(fusion_hf_ratio, 0, 256, AbsDiff)        \
-    X(fwmin_wt, 0, 256, AbsDiff)               \
-    X(nir_k, 0, 256, AbsDiff)                  \
-    X(hf_zoom, 0, 2047, AbsDiff)               \
-    X(dark_inner, 0, 65025, AbsDiff)           \
-    X(high_lum_thr, -256, -1, WrapDiff)        \
-    X(fwmin_limit, 0, 255, AbsDiff)            \
-    X(fwmax_limit, 0, 255, AbsDiff)            \
-    X(copy_en, 0, 1, AbsDiff)                  \
-    X(nir_a, -1, 1, AbsDiff)                   \
-    X(vis_b, -1, 1, AbsDiff)                   \
-    X(nir_min, 0, 255, AbsDiff)                \
-    X(uv_coef, 0, 255, AbsDiff)                \
-    X(uv_diff_thr, 1, 255, WrapDiff)           \
-    X(uv_diff_min, 0, 255, AbsDiff)            \
-    X(uv_diff_max, 0, 255, AbsDiff)            \
-    X(uv_vlight_min, 0, 255, AbsDiff)          \
-    X(uv_vlight_max, 0, 255, AbsDiff)          \
-    X(uv_sat_limit, 1, 255, AbsDiff)           \
-    X(uv_rsmooth, 1, 255, AbsDiff)             \
-    X(uv_gsmooth, 1, 255, AbsDiff)             \
-    X(uv_bsmooth, 1, 255, AbsDiff)             \
-    X(uv_wmin, 0, 255, AbsDiff)                \
-    X(uv_wmax, 0, 255, AbsDiff)                \
-    X(uv_w, 0, 255, AbsDiff)
+    X(ep_delta, 1, 16383, AbsDiff, "", "data blur strength") \
+    X(fusion_hf_ratio, 0, 256, AbsDiff, "ratio", "high-frequency ratio") \
+    X(fwmin_wt, 0, 256, AbsDiff, "weight", "weight that the difference curve gives at fwmax_limit") \
+    X(nir_k, 0, 256, AbsDiff, "", "NIR limit: how far NIR is raised beyond the threshold nir_min") \
+    X(hf_zoom, 0, 2047, AbsDiff, "", "high-frequency scaling; larger is sharper") \
+    X(dark_inner, 0, 65025, AbsDiff, "", "final fusion-ratio mapping") \
+    X(high_lum_thr, -256, -1, WrapDiff, "luma", "high-frequency fusion in highlight areas") \
+    X(fwmin_limit, 0, 255, AbsDiff, "", "lower end of the difference curve's horizontal axis") \
+    X(fwmax_limit, 0, 255, AbsDiff, "", "upper end of the difference curve's horizontal axis") \
+    X(copy_en, 0, 1, AbsDiff, "0/1", "1 copies the NIR input straight to the output") \
+    X(nir_a, -1, 1, AbsDiff, "", "NIR-side coefficient") \
+    X(vis_b, -1, 1, AbsDiff, "", "visible-side coefficient") \
+    X(nir_min, 0, 255, AbsDiff, "luma", "NIR limit threshold; the NIR limit acts above it") \
+    X(uv_coef, 0, 255, AbsDiff, "U3.5", "saturation; larger is more vivid") \
+    X(uv_diff_thr, 1, 255, WrapDiff, "", "colour recovery in dark areas; smaller is weaker") \
+    X(uv_diff_min, 0, 255, AbsDiff, "", "lower limit of the UV-difference adjustment") \
+    X(uv_diff_max, 0, 255, AbsDiff, "", "upper limit of the UV-difference adjustment") \
+    X(uv_vlight_min, 0, 255, AbsDiff, "luma", "visible luma below which colour is not adjusted") \
+    X(uv_vlight_max, 0, 255, AbsDiff, "luma", "visible luma above which colour is adjusted fully") \
+    X(uv_sat_limit, 1, 255, AbsDiff, "", "recovery of vivid colours; larger is weaker") \
+    X(uv_rsmooth, 1, 255, AbsDiff, "", "red smoothing; larger is smoother and paler") \
+    X(uv_gsmooth, 1, 255, AbsDiff, "", "green smoothing; larger is smoother and paler") \
+    X(uv_bsmooth, 1, 255, AbsDiff, "", "blue smoothing; larger is smoother and paler") \
+    X(uv_wmin, 0, 255, AbsDiff, "", "minimum of the proportional colour recovery") \
+    X(uv_wmax, 0, 255, AbsDiff, "", "maximum of the proportional colour recovery") \
+    X(uv_w, 0, 255, AbsDiff, "", "weight of the proportional colour recovery; larger is more vivid")
 
-#define ISPDSP_FUSION_FIELD_ENTRY(f, lo, hi, combine)                                                   \
+#define ISPDSP_FUSION_FIELD_ENTRY(f, lo, hi, combine, unit, meaning)                                                   \
     ScalarField{#f,                                                                                     \
                 "[DSP_DRV] fusion " #f " is %u\n",                                                      \
                 offsetof(CFG_DSP_FusionV2722, f),                                                       \
@@ -67,13 +69,15 @@ struct ScalarField {
                 std::is_signed_v<decltype(CFG_DSP_FusionV2722::f)>,                                     \
                 lo,                                                                                     \
                 hi,                                                                                     \
-                Combine::combine},
+                Combine::combine,                                                                               \
+                unit,                                                                                           \
+                meaning},
 
 inline constexpr ScalarField kScalarFields[] = {ISPDSP_FUSION_SCALARS(ISPDSP_FUSION_FIELD_ENTRY)};
 inline constexpr Int32 kScalarFieldCount = static_cast<Int32>(sizeof kScalarFields / sizeof kScalarFields[0]);
 
 // The stored record and the DSP block must agree field by field.
-#define ISPDSP_FUSION_FIELD_CHECK(f, lo, hi, combine)                                                         \
+#define ISPDSP_FUSION_FIELD_CHECK(f, lo, hi, combine, unit, meaning)                                                         \
     static_assert(offsetof(CFG_DSP_FusionV2722, f) == offsetof(FUSION_PARAM_V2_7_22, f), "offset of " #f); \
     static_assert(std::is_same_v<decltype(CFG_DSP_FusionV2722::f), decltype(FUSION_PARAM_V2_7_22::f)>,      \
                   "type of " #f);

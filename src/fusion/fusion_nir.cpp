@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "common/log.h"
+#include "tuning/device_paths.h"
 #include "fusion/fusion_fields.h"
 #include "ispdsp/fusion.h"
 
@@ -16,7 +17,7 @@ using namespace ispdsp::fusion;
 
 namespace {
 
-constexpr Char kNirFilePath[] = "/tmp/nir.txt";
+constexpr const auto& kNirFilePath = ispdsp::tuning::kNirCurvePath;
 constexpr Int32 kNirLines = 40;
 constexpr Int32 kNirPointsPerLine = 13;
 constexpr Int32 kNirLastLinePoints = 4;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::dlae {
 
@@ -39,6 +40,24 @@ inline constexpr DebugId kIds[] = {
 inline constexpr LogLine kPrintLines[] = {
     line("[DSP_DRV] [cfg DLAE]fusion_weight=%d,window_gain=%d,gamma=%d,edge=%d,denoise=%d!\n",
          RECORD(fusion_weight), RECORD(window_gain), RECORD(gamma), RECORD(edge), RECORD(denoise)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(fusion_weight, "weight", "weight of the enhanced image in the output"),
+    STORED(window_gain, "gain", "brightening gain"),
+    STORED(gamma, "index", "gamma curve"),
+    STORED(edge, "level", "edge enhancement strength"),
+    STORED(denoise, "level", "denoise strength"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("vorn_hi_dlae_fusion_weight", dlaeParam.vorn_hi_dlae_fusion_weight),
+    WIRE("vorn_hi_dlae_debug_pin", dlaeParam.vorn_hi_dlae_debug_pin),
+    WIRE("vorn_hi_dlae_window_gain", dlaeParam.vorn_hi_dlae_window_gain),
+    WIRE("vorn_hi_dlae_gamma", dlaeParam.vorn_hi_dlae_gamma), WIRE("vorn_hi_dlae_edge", dlaeParam.vorn_hi_dlae_edge),
+    WIRE("vorn_hi_dlae_denoise", dlaeParam.vorn_hi_dlae_denoise),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, kSetLines, kIds, kPrintLines);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::dlcfa {
 
@@ -38,6 +39,25 @@ inline constexpr DebugId kIds[] = {
 inline constexpr LogLine kPrintLines[] = {
     line("[DSP_DRV] [cfg DLCFA]ee_level=%d,gamma=%d,luma_contrast=%d,denoise=%d,fusion_weight=%d!\n",
          RECORD(ee_level), RECORD(gamma), RECORD(luma_contrast), RECORD(denoise), RECORD(fusion_weight)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(ee_level, "level", "edge enhancement strength"),
+    STORED(gamma, "index", "gamma curve"),
+    STORED(luma_contrast, "level", "luma contrast"),
+    STORED(denoise, "level", "denoise strength"),
+    STORED(fusion_weight, "weight", "weight of the enhanced image in the output"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("vorn_hi_dlcfa_ee_level", dlcfaParam.vorn_hi_dlcfa_ee_level),
+    WIRE("vorn_hi_dlcfa_gamma", dlcfaParam.vorn_hi_dlcfa_gamma),
+    WIRE("vorn_hi_dlcfa_luma_contrast", dlcfaParam.vorn_hi_dlcfa_luma_contrast),
+    WIRE("vorn_hi_dlcfa_denoise", dlcfaParam.vorn_hi_dlcfa_denoise),
+    WIRE("vorn_hi_dlcfa_fusion_weight", dlcfaParam.vorn_hi_dlcfa_fusion_weight),
+    WIRE("vorn_hi_dlcfa_debug_pin", dlcfaParam.vorn_hi_dlcfa_debug_pin),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, kSetLines, kIds, kPrintLines);

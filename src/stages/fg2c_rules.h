@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::fg2c {
 
@@ -28,6 +29,23 @@ inline constexpr DebugId kIds[] = {
 inline constexpr LogLine kPrintLines[] = {
     line("[DSP_DRV] [cfg FG2C]need_win_enhence=%d,win_fusion_weight=%d,face_fusion_weight=%d,face_fusion_pad=%d.\n",
          RECORD(need_win_enhence), RECORD(win_fusion_weight), RECORD(face_fusion_weight), RECORD(face_fusion_pad)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(need_win_enhence, "mode", "window enhancement mode"),
+    STORED(win_fusion_weight, "weight", "fusion weight inside windows"),
+    STORED(face_fusion_weight, "weight", "fusion weight on faces"),
+    STORED(face_fusion_pad, "pixels", "margin added around each face"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("vorn_hi_fg2c_need_win_enhence", fg2cParam.vorn_hi_fg2c_need_win_enhence),
+    WIRE("vorn_hi_fg2c_win_fusion_weight", fg2cParam.vorn_hi_fg2c_win_fusion_weight),
+    WIRE("vorn_hi_fg2c_face_fusion_weight", fg2cParam.vorn_hi_fg2c_face_fusion_weight),
+    WIRE("vorn_hi_fg2c_face_fusion_pad", fg2cParam.vorn_hi_fg2c_face_fusion_pad),
+    WIRE("vorn_hi_fg2c_debug_pin", fg2cParam.vorn_hi_fg2c_debug_pin),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, {}, kIds, kPrintLines);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::lae {
 
@@ -72,6 +73,49 @@ inline constexpr LogLine kPrintLines[] = {
 };
 
 // No set lines: the calculation logs nothing.
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(plateLaeParam.manual_en, "0/1", "plate part: 1 uses the levels below instead of automatic ones"),
+    STORED(plateLaeParam.gbce_level, "level", "plate part: global brightness and contrast enhancement strength"),
+    STORED(plateLaeParam.gbce_lut_index, "index", "plate part: which enhancement curve is used"),
+    STORED(plateLaeParam.ee_level, "level", "plate part: edge enhancement strength"),
+    STORED(plateLaeParam.nf_level, "level", "plate part: noise filter strength"),
+    STORED(plateLaeParam.blue_color_level, "level", "blue plates: colour strength"),
+    STORED(plateLaeParam.green_luma_ave_thr, "luma", "green plates: mean luma threshold"),
+    STORED(plateLaeParam.green_bg_noise_level, "level", "green plates: background noise level"),
+    STORED(plateLaeParam.green_color_level, "level", "green plates: colour strength"),
+    STORED(plateLaeParam.blue_binary_thr, "luma", "blue plates: binarisation threshold"),
+    STORED(plateLaeParam.blue_proc_thr, "luma", "blue plates: processing threshold"),
+    STORED(windowLaeParam.manual_en, "0/1", "window part: 1 uses the levels below instead of automatic ones"),
+    STORED(windowLaeParam.gbce_level, "level", "window part: brightness and contrast enhancement strength"),
+    STORED(windowLaeParam.gbce_lut_index, "index", "window part: which enhancement curve is used"),
+    STORED(windowLaeParam.ee_level, "level", "window part: edge enhancement strength"),
+    STORED(windowLaeParam.nf_level, "level", "window part: noise filter strength"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("plate.manual_en", laeParam.lae_param_plate.manual_en),
+    WIRE("plate.blue_color_level", laeParam.lae_param_plate.blue_color_level),
+    WIRE("plate.green_bg_noise_level", laeParam.lae_param_plate.green_bg_noise_level),
+    WIRE("plate.green_luma_ave_thr", laeParam.lae_param_plate.green_luma_ave_thr),
+    WIRE("plate.green_color_level", laeParam.lae_param_plate.green_color_level),
+    WIRE("plate.blue_binary_thr", laeParam.lae_param_plate.blue_binary_thr),
+    WIRE("plate.blue_proc_thr", laeParam.lae_param_plate.blue_proc_thr),
+    WIRE("plate.gbce_level", laeParam.lae_param_plate.gbce_level),
+    WIRE("plate.nf_level", laeParam.lae_param_plate.nf_level),
+    WIRE("plate.gbce_lut_index", laeParam.lae_param_plate.gbce_lut_index),
+    WIRE("plate.ee_level", laeParam.lae_param_plate.ee_level),
+    WIRE("plate.debug_pin", laeParam.lae_param_plate.debug_pin),
+    WIRE("window.manual_en", laeParam.lae_param_window.manual_en),
+    WIRE("window.gbce_lut_index", laeParam.lae_param_window.gbce_lut_index),
+    WIRE("window.window_gbce_level", laeParam.lae_param_window.window_gbce_level),
+    WIRE("window.nf_level", laeParam.lae_param_window.nf_level),
+    WIRE("window.ee_level", laeParam.lae_param_window.ee_level),
+    WIRE("window.debug_pin", laeParam.lae_param_window.debug_pin),
+    WIRE("ver", laeParam.ver), WIRE("window_en", laeParam.window_en), WIRE("plate_type", laeParam.plate_type),
+};
+
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, {}, kIds, kPrintLines);
 
 }  // namespace ispdsp::stages::lae

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::lle {
 
@@ -37,6 +38,24 @@ inline constexpr DebugId kIds[] = {
 inline constexpr LogLine kPrintLines[] = {
     line("[DSP_DRV] [cfg LLE]window_gain=%d,gamma=%d,edge=%d,denoise=%d,fusion_weight=%d\n",
          RECORD(window_gain), RECORD(gamma), RECORD(edge), RECORD(denoise), RECORD(fusion_weight)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(window_gain, "gain", "low-light brightening gain"),
+    STORED(gamma, "index", "low-light gamma curve"),
+    STORED(edge, "level", "edge enhancement strength"),
+    STORED(denoise, "level", "denoise strength"),
+    STORED(fusion_weight, "weight", "weight of the enhanced image in the output"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("vorn_hi_lle_window_gain", lleParam.vorn_hi_lle_window_gain),
+    WIRE("vorn_hi_lle_gamma", lleParam.vorn_hi_lle_gamma), WIRE("vorn_hi_lle_edge", lleParam.vorn_hi_lle_edge),
+    WIRE("vorn_hi_lle_denoise", lleParam.vorn_hi_lle_denoise),
+    WIRE("vorn_hi_lle_fusion_weight", lleParam.vorn_hi_lle_fusion_weight),
+    WIRE("vorn_hi_lle_debug_pin", lleParam.vorn_hi_lle_debug_pin),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, kSetLines, kIds, kPrintLines);

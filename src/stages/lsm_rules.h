@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::lsm {
 
@@ -28,6 +29,26 @@ inline constexpr DebugId kIds[] = {
 inline constexpr LogLine kPrintLines[] = {
     line("[DSP_DRV] [cfg lsm]aw_left_thr=%d,aw_right_thr=%d,aw_top_thr=%d,aw_bottom_thr=%d\n",
          RECORD(aw_left_thr), RECORD(aw_right_thr), RECORD(aw_top_thr), RECORD(aw_bottom_thr)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(aw_left_thr, "pixels", "left edge of the active window"),
+    STORED(aw_right_thr, "pixels", "right edge of the active window"),
+    STORED(aw_top_thr, "pixels", "top edge of the active window"),
+    STORED(aw_bottom_thr, "pixels", "bottom edge of the active window"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("aw_left_thr", lsmParam.aw_left_thr), WIRE("aw_right_thr", lsmParam.aw_right_thr),
+    WIRE("aw_top_thr", lsmParam.aw_top_thr), WIRE("aw_bottom_thr", lsmParam.aw_bottom_thr),
+    WIRE("aw_wr", lsmParam.aw_wr), WIRE("aw_hr", lsmParam.aw_hr),
+    WIRE("rep_left", lsmParam.rep_left), WIRE("rep_right", lsmParam.rep_right),
+    WIRE("rep_top", lsmParam.rep_top), WIRE("rep_bottom", lsmParam.rep_bottom),
+    WIRE("center_x", lsmParam.center_x), WIRE("center_y", lsmParam.center_y),
+    WIRE("center_xy", lsmParam.center_xy), WIRE("rep_center_x", lsmParam.rep_center_x),
+    WIRE("rep_center_y", lsmParam.rep_center_y),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, {}, kIds, kPrintLines);

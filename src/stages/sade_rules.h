@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::sade {
 
@@ -41,6 +42,26 @@ inline constexpr DebugId kIds[] = {
 inline constexpr LogLine kPrintLines[] = {
     line("[DSP_DRV] [cfg sade]model_type=%d,ee_level=%d,nr_level=%d,black_edge=%d,white_edge=%d!\n",
          RECORD(model_type), RECORD(ee_level), RECORD(nr_level), RECORD(black_edge), RECORD(white_edge)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(model_type, "code", "which enhancement model runs"),
+    STORED(ee_level, "level", "edge enhancement strength"),
+    STORED(nr_level, "level", "noise reduction strength"),
+    STORED(black_edge, "level", "dark edge (undershoot) strength"),
+    STORED(white_edge, "level", "bright edge (overshoot) strength"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("vorn_arm_sade_model_type", sadeParam.vorn_arm_sade_model_type),
+    WIRE("vorn_arm_sade_ee_level", sadeParam.vorn_arm_sade_ee_level),
+    WIRE("vorn_arm_sade_nr_level", sadeParam.vorn_arm_sade_nr_level),
+    WIRE("vorn_arm_sade_black_edge", sadeParam.vorn_arm_sade_black_edge),
+    WIRE("vorn_arm_sade_white_edge", sadeParam.vorn_arm_sade_white_edge),
+    WIRE("vorn_arm_sade_debug_pin", sadeParam.vorn_arm_sade_debug_pin),
+    WIRE("vorn_arm_sade_scene_mode", sadeParam.vorn_arm_sade_scene_mode),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, kSetLines, kIds, kPrintLines);

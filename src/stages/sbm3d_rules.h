@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::sbm3d {
 
@@ -22,6 +23,16 @@ inline constexpr DebugId kIds[] = {
 
 inline constexpr LogLine kPrintLines[] = {
     line("[DSP_DRV] [cfg SBM3D]sbm3d_threshold=%d\n", RECORD(sbm3d_threshold)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(sbm3d_threshold, "level", "3D block-matching denoise strength"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("sbm3d_thr", sbm3dParam.sbm3d_thr), WIRE("debug_pin", sbm3dParam.debug_pin), WIRE("ver", sbm3dParam.ver),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, {}, kIds, kPrintLines);

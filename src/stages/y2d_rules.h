@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::y2d {
 
@@ -56,6 +57,38 @@ inline constexpr LogLine kPrintLines[] = {
     line("[DSP_DRV] [cfg Y2D]sd_bright_ra=%d,sd_ee_gau0=%d,sd_sigma=%d,sd_ee_gau1=%d,sd_ee_slope=%d,win_size=%d\n",
          RECORD(sd_bright_ra), RECORD(sd_ee_gau0), RECORD(sd_sigma), RECORD(sd_ee_gau1), RECORD(sd_ee_slope),
          RECORD(win_size)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(sd_spe, "level", "speckle suppression"),
+    STORED(sd_de_gau0, "level", "denoise Gaussian, first pass"),
+    STORED(sd_de_gau1, "level", "denoise Gaussian, second pass"),
+    STORED(sd_dark, "level", "dark-area strength"),
+    STORED(sd_dark_ra, "ratio", "dark-area ratio"),
+    STORED(sd_bright, "level", "bright-area strength"),
+    STORED(sd_bright_ra, "ratio", "bright-area ratio"),
+    STORED(sd_ee_gau0, "level", "edge enhancement Gaussian, first pass"),
+    STORED(sd_sigma, "sigma", "filter sigma"),
+    STORED(sd_ee_gau1, "level", "edge enhancement Gaussian, second pass"),
+    STORED(sd_ee_slope, "slope", "edge enhancement slope"),
+    STORED(win_size, "code", "filter window size"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("sd_spe", y2dParam.sd_spe),
+    WIRE("sd_de_gau0", y2dParam.sd_de_gau0),
+    WIRE("sd_de_gau1", y2dParam.sd_de_gau1),
+    WIRE("sd_dark", y2dParam.sd_dark),
+    WIRE("sd_dark_ra", y2dParam.sd_dark_ra),
+    WIRE("sd_bright", y2dParam.sd_bright),
+    WIRE("sd_bright_ra", y2dParam.sd_bright_ra),
+    WIRE("sd_ee_gau0", y2dParam.sd_ee_gau0),
+    WIRE("sd_sigma", y2dParam.sd_sigma),
+    WIRE("sd_ee_gau1", y2dParam.sd_ee_gau1),
+    WIRE("sd_ee_slope", y2dParam.sd_ee_slope),
+    WIRE("win_size", y2dParam.win_size),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, kSetLines, kIds, kPrintLines);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::ylwdr {
 
@@ -79,6 +80,50 @@ inline constexpr LogLine kPrintLines[] = {
          RECORD(d1_thr3)),
     line("[DSP_DRV] [cfg YLWDR]d2_thr1=%d,d2_thr2=%d,gamma_coef=%d,uv_thr=%d,uv_gain=%d\n", RECORD(d2_thr1),
          RECORD(d2_thr2), RECORD(gamma_coef), RECORD(uv_thr), RECORD(uv_gain)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(hist_thr, "count", "histogram threshold"),
+    STORED(scope_thr, "level", "scope threshold"),
+    STORED(lep_alpha, "weight", "edge-preserving filter weight"),
+    STORED(lut_weight, "weight", "weight of the tone curve"),
+    STORED(yout_thr0, "luma", "lower output luma threshold"),
+    STORED(yout_thr1, "luma", "upper output luma threshold"),
+    STORED(alpha1, "weight", "first blend weight"),
+    STORED(alpha2, "weight", "second blend weight"),
+    STORED(alpha31, "weight", "third blend weight, dark side"),
+    STORED(alpha32, "weight", "third blend weight, bright side"),
+    STORED(d1_thr1, "luma", "first detail threshold, level 1"),
+    STORED(d1_thr2, "luma", "first detail threshold, level 2"),
+    STORED(d1_thr3, "luma", "first detail threshold, level 3"),
+    STORED(d2_thr1, "luma", "second detail threshold, level 1"),
+    STORED(d2_thr2, "luma", "second detail threshold, level 2"),
+    STORED(gamma_coef, "coefficient", "gamma coefficient"),
+    STORED(uv_thr, "level", "chroma threshold"),
+    STORED(uv_gain, "gain", "chroma gain"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("hist_thr", ylwdrParam.hist_thr),
+    WIRE("scope_thr", ylwdrParam.scope_thr),
+    WIRE("lep_alpha", ylwdrParam.lep_alpha),
+    WIRE("lut_weight", ylwdrParam.lut_weight),
+    WIRE("yout_thr0", ylwdrParam.yout_thr0),
+    WIRE("yout_thr1", ylwdrParam.yout_thr1),
+    WIRE("alpha1", ylwdrParam.alpha1),
+    WIRE("alpha2", ylwdrParam.alpha2),
+    WIRE("alpha31", ylwdrParam.alpha31),
+    WIRE("alpha32", ylwdrParam.alpha32),
+    WIRE("d1_thr1", ylwdrParam.d1_thr1),
+    WIRE("d1_thr2", ylwdrParam.d1_thr2),
+    WIRE("d1_thr3", ylwdrParam.d1_thr3),
+    WIRE("d2_thr1", ylwdrParam.d2_thr1),
+    WIRE("d2_thr2", ylwdrParam.d2_thr2),
+    WIRE("gamma_coef", ylwdrParam.gamma_coef),
+    WIRE("uv_thr", ylwdrParam.uv_thr),
+    WIRE("uv_gain", ylwdrParam.uv_gain),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, kSetLines, kIds, kPrintLines);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "stages/stage_rules.h"
+#include "tuning/named_field.h"
 
 namespace ispdsp::stages::yuv2yuv {
 
@@ -20,6 +21,16 @@ inline constexpr DebugId kIds[] = {
 
 inline constexpr LogLine kPrintLines[] = {
     line("[DSP_DRV] [cfg YUV2YUV]enable=%d\n", RECORD(enable)),
+};
+
+// The stored record's fields in record order: what a tuner sets.
+inline constexpr tuning::NamedField kStoredFields[] = {
+    STORED(enable, "0/1", "1 turns the colour space conversion on"),
+};
+
+// The payload's fields as the DSP message carries them, in decoding order.
+inline constexpr tuning::NamedField kPayloadFields[] = {
+    WIRE("cscEnable", enable),
 };
 
 inline constexpr StageRules kRules = stage<In, Payload, Record>(kCalc, {}, kIds, kPrintLines);

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "ispdsp_host/host.h"
+#include "ispdsp_host/scoped.h"
 
 namespace ispdsp_test {
 
@@ -52,11 +53,7 @@ inline bool isDriverLine(const LogLine& line, LogKind kind, std::string_view fun
 
 class LogCapture {
 public:
-    LogCapture() {
-        ispdsp_host_get_log_sink(&previous_sink_, &previous_ctx_);
-        ispdsp_host_set_log_sink(&LogCapture::sink, this);
-    }
-    ~LogCapture() { ispdsp_host_set_log_sink(previous_sink_, previous_ctx_); }
+    LogCapture() : scope_(&LogCapture::sink, this) {}
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
@@ -103,8 +100,7 @@ private:
 
     mutable std::mutex mutex_;
     std::vector<LogLine> lines_;
-    ispdsp_host_log_sink previous_sink_ = nullptr;
-    void* previous_ctx_ = nullptr;
+    ispdsp::host::ScopedLogSink scope_;  // last member: installed once the lines can take a call
 };
 
 }  // namespace ispdsp_test

@@ -3,7 +3,8 @@
  * hosts, tools and tests. Never linked into the driver library.
  *
  * - Files through stdio. Every absolute path is placed under the sandbox root
- *   named by the environment variable ISPDSP_ROOT (read at each open), so
+ *   set by the program, or else named by the environment variable ISPDSP_ROOT
+ *   (read at each open), so
  *   "/var/tmp/dsp_isp_para.bin" can live in a temporary folder; or, switched
  *   on, files kept in memory by path (fuzzing: no disk, no sandbox).
  *   Open handles and delivered bytes are counted.
@@ -74,6 +75,15 @@ void ispdsp_host_use_memory_files(int on);
 int ispdsp_host_put_memory_file(const char* path, const void* data, size_t size);
 /* The size of a file of the store, or -1 when there is none. */
 int64_t ispdsp_host_memory_file_size(const char* path);
+
+/* Sets the sandbox root for every open from now on, in place of ISPDSP_ROOT:
+ * "" switches the sandbox off (driver paths are host paths), NULL goes back to
+ * reading ISPDSP_ROOT at each open. */
+void ispdsp_host_set_sandbox_root(const char* root);
+/* The root set by ispdsp_host_set_sandbox_root into `out`: 1 when one is set,
+ * 0 when ISPDSP_ROOT is read, -1 when `out` is too small. A caller that changes
+ * the root for a while puts the previous one back with it. */
+int ispdsp_host_get_sandbox_root(char* out, size_t out_size);
 
 /* Resolves a driver path into the sandbox; returns 0 or -1 when `out` is too small. */
 int ispdsp_host_resolve_path(const char* path, char* out, size_t out_size);

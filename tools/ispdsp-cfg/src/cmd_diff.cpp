@@ -27,9 +27,9 @@ std::string keyLabel(const TableKey& k) {
 
 void diffTable(const std::string& label, const TableEntry& a, const TableEntry& b, std::vector<std::string>& out) {
     for (const FieldDef& f : allFields()) {
-        const bool fusion = std::string_view(f.record) == "fusion";
+        const bool fusion = isFusionField(f);
         for (size_t step = 0; step < (fusion ? kGainSteps : 1); ++step) {
-            const size_t at = fusion ? kFusionOffset + step * kStepBytes + f.offset : f.offset;
+            const size_t at = tableOffsetOf(f, step);
             const int64_t va = loadField(a.bytes.data() + at, f.type);
             const int64_t vb = loadField(b.bytes.data() + at, f.type);
             if (va != vb) {
@@ -39,7 +39,7 @@ void diffTable(const std::string& label, const TableEntry& a, const TableEntry& 
         }
     }
     for (size_t step = 0; step < kGainSteps; ++step) {
-        const size_t at = kFusionOffset + step * kStepBytes + kNirOffset;
+        const size_t at = nirCurveOffset(step);
         size_t differing = 0, first = 0;
         for (size_t i = kNirPoints; i-- > 0;) {
             if (a.bytes[at + i] != b.bytes[at + i]) {

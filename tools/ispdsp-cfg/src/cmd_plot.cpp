@@ -54,7 +54,7 @@ void text(std::ostringstream& s, double x, double y, const std::string& t, const
 void scalarPanel(std::ostringstream& s, const FieldDef& f, const TableEntry& table, double x0, double y0) {
     std::array<int64_t, kGainSteps> v{};
     for (size_t step = 0; step < kGainSteps; ++step) {
-        v[step] = loadField(table.bytes.data() + kFusionOffset + step * kStepBytes + f.offset, f.type);
+        v[step] = loadField(table.bytes.data() + tableOffsetOf(f, step), f.type);
     }
     int64_t lo = *std::min_element(v.begin(), v.end());
     int64_t hi = *std::max_element(v.begin(), v.end());
@@ -115,7 +115,7 @@ void curvePanel(std::ostringstream& s, const TableEntry& table, double x0, doubl
     }
     text(s, px + pw / 2, py + ph + 32, "curve point", "class=\"tick\" text-anchor=\"middle\"");
     for (size_t step = 0; step < kGainSteps; ++step) {
-        const uint8_t* c = table.bytes.data() + kFusionOffset + step * kStepBytes + kNirOffset;
+        const uint8_t* c = table.bytes.data() + nirCurveOffset(step);
         std::string points;
         for (size_t i = 0; i < kNirPoints; ++i) {
             points += num(px + pw * static_cast<double>(i) / 510.0) + "," + num(py + ph - ph * c[i] / 255.0) + " ";

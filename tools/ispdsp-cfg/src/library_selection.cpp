@@ -6,53 +6,18 @@
 #include "ispdsp/osa.h"
 #include "ispdsp/param_table.h"
 #include "ispdsp_host/host.h"
+#include "ispdsp_host/scoped.h"
 #include "param_file_image.h"
 
 namespace ispcfg {
 namespace {
 
-// Routes the library's log lines into a list for the lifetime of the object.
-class LogCapture {
-public:
-    explicit LogCapture(std::vector<std::string>& lines) {
-        ispdsp_host_get_log_sink(&oldSink_, &oldCtx_);
-        ispdsp_host_set_log_sink(&LogCapture::append, &lines);
-    }
-    ~LogCapture() { ispdsp_host_set_log_sink(oldSink_, oldCtx_); }
-    LogCapture(const LogCapture&) = delete;
-    LogCapture& operator=(const LogCapture&) = delete;
-
-private:
-    static void append(void* ctx, int32_t, int32_t, const char* text) {
-        std::string line = text;
-        while (!line.empty() && line.back() == '\n') line.pop_back();
-        static_cast<std::vector<std::string>*>(ctx)->push_back(line);
-    }
-    ispdsp_host_log_sink oldSink_ = nullptr;
-    void* oldCtx_ = nullptr;
-};
-
-// The host layer prefixes absolute paths with $ISPDSP_ROOT (its sandbox for driver paths).
-// A tool opens the user's own files, so the root is off while the library opens one.
-class NoSandboxRoot {
-public:
-    NoSandboxRoot() {
-        if (const char* root = std::getenv("ISPDSP_ROOT")) {
-            saved_ = root;
-            hadRoot_ = true;
-            unsetenv("ISPDSP_ROOT");
-        }
-    }
-    ~NoSandboxRoot() {
-        if (hadRoot_) setenv("ISPDSP_ROOT", saved_.c_str(), 1);
-    }
-    NoSandboxRoot(const NoSandboxRoot&) = delete;
-    NoSandboxRoot& operator=(const NoSandboxRoot&) = delete;
-
-private:
-    std::string saved_;
-    bool hadRoot_ = false;
-};
+// The library's log lines, collected.
+void appendLine(void* ctx, int32_t, int32_t, const char* text) {
+    std::string line = text;
+    while (!line.empty() && line.back() == '\n') line.pop_back();
+    static_cast<std::vector<std::string>*>(ctx)->push_back(line);
+}
 
 std::string joined(const std::vector<std::string>& lines) {
     std::string s;
@@ -77,9 +42,10 @@ LibraryTables::~LibraryTables() {
 std::unique_ptr<LibraryTables> LibraryTables::load(const std::string& hostPath, std::string& error) {
     std::unique_ptr<LibraryTables> lib(new LibraryTables());
     State& s = *lib->state_;
-    LogCapture capture(lib->log_);
+    const ispdsp::host::ScopedLogSink capture(&appendLine, &lib->log_);
     {
-        NoSandboxRoot noRoot;
+        // A tool opens the user's own files: no sandbox while the library opens one.
+        const ispdsp::host::ScopedSandboxRoot noRoot("");
         if (DRV_ispCfgLoad(hostPath.c_str(), floatFromBits(kExpectedVersionBits), &s.header, &s.buffer) != 0) {
             error = hostPath + ": the library does not load this file:" + joined(lib->log_);
             return nullptr;
@@ -93,7 +59,7 @@ std::unique_ptr<LibraryTables> LibraryTables::load(const std::string& hostPath, 
 }
 
 LibraryChoice LibraryTables::choose(const CameraState& state) {
-    LogCapture capture(log_);
+    const ispdsp::host::ScopedLogSink capture(&appendLine, &log_);
     CFG_ispParamCondition condition{};
     condition.realDncMode = state.realDncMode;
     condition.hdrMode = state.hdrMode;

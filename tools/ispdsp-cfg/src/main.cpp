@@ -8,15 +8,18 @@
 #include <iostream>
 
 #include "commands.h"
+#include "type_names.h"
 
 namespace {
 
-constexpr const char* kSourceFormat = R"(JSON source format:
+// The source format, with a real table type name in its example.
+std::string sourceFormat() {
+    return R"(JSON source format:
   {
     "header": {"ver": 82981.0, "dateTime": "2024-05-06 10:00:00", "subVer": 1.0,
                "archName": "chip", "pdtName": "product"},
     "tables": [
-      {"type": "PARAM_MULTICOLOR",          // PARAM_TABLE_TYPE name; each type once
+      {"type": ")" + ispcfg::tableTypeName(0) + R"(",          // PARAM_TABLE_TYPE name; each type once
        "ispFusionFlag": 1,
        "fusion": [                          // 16 gain steps, step 0 first
          {"ep_delta": 64, "fusion_hf_ratio": 200, ... 26 scalar fields ...,
@@ -24,10 +27,7 @@ constexpr const char* kSourceFormat = R"(JSON source format:
          ...],
        "ispLsmParam": {"aw_left_thr": 64, ...},
        "ispLaeParam": {"plateLaeParam": {...}, "windowLaeParam": {...}},
-       "ispSbm3dParam": {...}, "ispYuv2yuvParam": {...}, "ispFusionPlateParam": {...},
-       "ispFg2cParam": {...}, "ispLleParam": {...}, "ispYlwdrParam": {...},
-       "ispY2dParam": {...}, "ispDlaeParam": {...}, "ispDlcfaParam": {...},
-       "ispSadeParam": {...}},
+       ...},                                // one object per stage record (docs/tuning-reference.md)
       ...]
   }
   Fields carry the names of the stored records. Missing fields and records are 0; unknown
@@ -42,6 +42,7 @@ constexpr const char* kSourceFormat = R"(JSON source format:
   Values must fit their field's type; values outside the DSP's range are warnings (`check`).
   A source the driver would reject (no table, a version other than 82981) is not written.
   Padding bytes are written as 0, so dump/build normalise them.)";
+}
 
 constexpr const char* kFooter =
     R"(Messages: "error:" the driver rejects the file (bad checksum, cut short, another version, no
@@ -79,7 +80,7 @@ int runTool(int argc, char** argv) {
     buildCmd->add_option("-o,--output", build.output, "binary parameter file to write, - for standard output")
         ->required();
     buildCmd->add_flag("--stamp-date", build.stampDate, "set dateTime to the current UTC time");
-    buildCmd->footer(kSourceFormat);
+    buildCmd->footer(sourceFormat());
     buildCmd->callback([&] { status = ispcfg::runBuild(build, std::cout, std::cerr); });
 
     ispcfg::DumpOptions dump;
@@ -124,7 +125,7 @@ int runTool(int argc, char** argv) {
     ispcfg::PlotOptions plot;
     auto* plotCmd = app.add_subcommand("plot", "SVG of one table's fusion parameters and NIR weight curves");
     plotCmd->add_option("file", plot.input, "binary parameter file")->required();
-    plotCmd->add_option("--table", plot.table, "PARAM_TABLE_TYPE name, e.g. PARAM_MULTICOLOR")->required();
+    plotCmd->add_option("--table", plot.table, "PARAM_TABLE_TYPE name, e.g. " + ispcfg::tableTypeName(0))->required();
     plotCmd->add_option("-o,--output", plot.output, "SVG file to write, - for standard output")->required();
     plotCmd->callback([&] { status = ispcfg::runPlot(plot, std::cout, std::cerr); });
 

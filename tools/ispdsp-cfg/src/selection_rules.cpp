@@ -2,87 +2,26 @@
 
 #include <algorithm>
 
+#include "tuning/fallback_rules.h"
+#include "tuning/table_types.h"
 #include "type_names.h"
 
 namespace ispcfg {
 namespace {
 
-struct RowPattern {
-    uint32_t isBlackWhite, isHDR, isWDR, sceneMode;
-};
-// The twelve rows of every scene block.
-constexpr std::array<RowPattern, 12> kPattern = {{
-    {0, 0, 0, 0},
-    {1, 0, 0, 0},
-    {0, 1, 1, 0},
-    {1, 1, 1, 0},
-    {0, 0, 1, 0},
-    {1, 0, 1, 0},
-    {0, 0, 0, 2},
-    {1, 0, 0, 2},
-    {0, 1, 1, 2},
-    {1, 1, 1, 2},
-    {0, 0, 1, 2},
-    {1, 0, 1, 2},
-}};
+using ispdsp::tuning::kSceneBlocksInMapOrder;
 
-struct SceneBlock {
-    uint32_t imageScene;
-    const char* name;
-    std::array<int32_t, 12> types;
-};
-// Map order; no block for imageScene 3.
-constexpr std::array<SceneBlock, 13> kBlocks = {{
-    {0, "base", {0, 1, 2, 3, 4, 5, 6, 1, 8, 3, 10, 5}},
-    {1, "TRAFFIC", {12, 13, 14, 15, 16, 17, 18, 13, 19, 15, 20, 17}},
-    {2, "FACE", {21, 22, 23, 24, 25, 26, 27, 22, 28, 24, 29, 26}},
-    {4, "IVS", {66, 67, 68, 69, 70, 71, 72, 67, 73, 69, 74, 71}},
-    {5, "STROBE", {30, 31, 32, 33, 34, 35, 36, 31, 37, 33, 38, 35}},
-    {6, "POLICE", {39, 40, 41, 42, 43, 44, 45, 40, 46, 42, 47, 44}},
-    {7, "COMITY", {48, 49, 50, 51, 52, 53, 54, 49, 55, 51, 56, 53}},
-    {8, "PEDESTIAN", {57, 58, 59, 60, 61, 62, 63, 58, 64, 60, 65, 62}},
-    {9, "ECOTRAFFIC", {75, 76, 77, 78, 79, 80, 81, 76, 82, 78, 83, 80}},
-    {10, "ECOPOLICE", {84, 85, 86, 87, 88, 89, 90, 85, 91, 87, 92, 89}},
-    {11, "ENTRANCE_FLASH", {93, 94, 95, 96, 97, 98, 99, 94, 100, 96, 101, 98}},
-    {12, "ENTRANCE_STROBE", {102, 103, 104, 105, 106, 107, 108, 103, 109, 105, 110, 107}},
-    {13, "EVENT", {111, 112, 113, 114, 115, 116, 117, 112, 118, 114, 119, 116}},
-}};
-
-// One fallback rule: src[k] missing is replaced by dst[k]; dst is also the preference list.
-// Only the first 120 entries are scanned whatever the declared sizes say.
-struct Rule {
-    int32_t srcSize;
-    std::vector<int32_t> src;
-    int32_t dstSize;
-    std::vector<int32_t> dst;
-};
-
-std::array<Rule, 2> buildRules() {
-    Rule r0;
-    r0.srcSize = r0.dstSize = 129;  // declared; the scans stop at 120
-    for (int32_t t : {0, 1, 2, 3, 4, 6, 10, 8, 5}) {
-        r0.src.push_back(t);
-        r0.dst.push_back(t);
-    }
-    constexpr std::array<int32_t, 9> ivsPartners = {0, 1, 2, 1, 4, 1, 0, 2, 4};  // for types 66..74
-    for (int32_t t = 12; t < kTableTypes; ++t) {
-        r0.src.push_back(t);
-        r0.dst.push_back(t >= 66 && t <= 74 ? ivsPartners[static_cast<size_t>(t - 66)] : t);
-    }
-    r0.src.resize(120, 0);
-    r0.dst.resize(120, 0);
-    Rule r1{1, {16}, 2, {4, 0}};
-    r1.src.resize(120, 0);
-    r1.dst.resize(120, 0);
-    return {r0, r1};
-}
-
-const std::array<Rule, 2>& rules() {
-    static const std::array<Rule, 2> r = buildRules();
+// The driver's own fallback rules (tuning/fallback_rules.h), whose lists are scanned here step
+// by step to explain them.
+const std::array<DRV_SuitableParam, ispdsp::tuning::kFallbackRules>& rules() {
+    static constexpr std::array<DRV_SuitableParam, ispdsp::tuning::kFallbackRules> r =
+        ispdsp::tuning::buildFallbackRules();
     return r;
 }
 
-size_t scanned(int32_t declared) { return static_cast<size_t>(std::clamp(declared, 0, kTableTypes)); }
+size_t scanned(int32_t declared) {
+    return static_cast<size_t>(std::clamp(declared, 0, ispdsp::tuning::kFallbackScanLimit));
+}
 
 bool exists(const std::array<bool, 120>& present, int32_t t) {
     return t >= 0 && t < kTableTypes && present[static_cast<size_t>(t)];
@@ -92,13 +31,11 @@ bool exists(const std::array<bool, 120>& present, int32_t t) {
 
 const std::array<MapRow, kMapRows>& stateMap() {
     static const std::array<MapRow, kMapRows> map = [] {
+        constexpr auto driverMap = ispdsp::tuning::buildStateMap();
         std::array<MapRow, kMapRows> m{};
-        for (size_t b = 0; b < kBlocks.size(); ++b) {
-            for (size_t r = 0; r < kPattern.size(); ++r) {
-                const RowPattern& p = kPattern[r];
-                m[b * 12 + r] = {p.isBlackWhite,     p.isHDR, p.isWDR, p.sceneMode, kBlocks[b].imageScene,
-                                 kBlocks[b].types[r]};
-            }
+        for (size_t row = 0; row < kMapRows; ++row) {
+            const Table_TYPE_MAP& r = driverMap[row];
+            m[row] = {r.isBlackWhite, r.isHDR, r.isWDR, r.sceneMode, r.imageScene, static_cast<int32_t>(r.tableType)};
         }
         return m;
     }();
@@ -116,8 +53,8 @@ CameraState stateOfRow(uint32_t row) {
 }
 
 std::string sceneName(int32_t imageScene) {
-    for (const SceneBlock& b : kBlocks) {
-        if (static_cast<int64_t>(b.imageScene) == imageScene) return b.name;
+    for (const ispdsp::tuning::SceneBlock& b : kSceneBlocksInMapOrder) {
+        if (static_cast<int64_t>(b.imageScene) == imageScene) return b.typeStem[0] != '\0' ? b.typeStem : b.name;
     }
     return "";
 }
@@ -161,17 +98,18 @@ Selection explainSelection(const CameraState& state, const std::array<bool, 120>
         return s;
     }
 
-    for (int rule = 0; rule < 2; ++rule) {
-        const Rule& r = rules()[static_cast<size_t>(rule)];
-        const size_t n = scanned(r.srcSize);
-        const auto it = std::find(r.src.begin(), r.src.begin() + static_cast<std::ptrdiff_t>(n), s.mappedType);
+    for (int rule = 0; rule < static_cast<int>(rules().size()); ++rule) {
+        const DRV_SuitableParam& r = rules()[static_cast<size_t>(rule)];
+        const size_t n = scanned(r.srcArraySize);
+        const int32_t* const src = r.srcArray;
+        const auto it = std::find(src, src + n, s.mappedType);
         const std::string name = "fallback rule " + std::to_string(rule);
-        if (it == r.src.begin() + static_cast<std::ptrdiff_t>(n)) {
+        if (it == src + n) {
             s.steps.push_back(name + ": does not list " + tableTypeName(s.mappedType));
             continue;
         }
-        const auto pos = static_cast<size_t>(it - r.src.begin());
-        const int32_t replacement = r.dst[pos];
+        const auto pos = static_cast<size_t>(it - src);
+        const int32_t replacement = r.dstArray[pos];
         if (exists(present, replacement)) {
             s.steps.push_back(name + ": " + tableTypeName(s.mappedType) + " stands against " +
                               tableTypeName(replacement) + " (position " + std::to_string(pos) + "), present");
@@ -185,13 +123,13 @@ Selection explainSelection(const CameraState& state, const std::array<bool, 120>
                                ? "lists " + tableTypeName(s.mappedType) + " against itself"
                                : "its replacement " + tableTypeName(replacement) + " is missing too") +
                           " (position " + std::to_string(pos) + "); scanning the preference list");
-        const size_t m = scanned(r.dstSize);
+        const size_t m = scanned(r.dstArraySize);
         for (size_t k = 0; k < m; ++k) {
-            if (exists(present, r.dst[k])) {
-                s.steps.push_back(name + ": first present entry of the preference list: " + tableTypeName(r.dst[k]) +
+            if (exists(present, r.dstArray[k])) {
+                s.steps.push_back(name + ": first present entry of the preference list: " + tableTypeName(r.dstArray[k]) +
                                   " (position " + std::to_string(k) + ")");
                 s.chosen = true;
-                s.chosenType = r.dst[k];
+                s.chosenType = r.dstArray[k];
                 s.rule = rule;
                 s.viaPreferenceList = true;
                 return s;

@@ -1,6 +1,6 @@
-// The tool's own copy of the driver's table choice: the 156-row state map and the two fallback
-// rules, with an explanation of every step. `select` asks the library for the actual choice and
-// compares it with this explanation, so a drift between the two is caught.
+// The driver's table choice explained step by step, on the driver's own state map and fallback
+// rules (tuning/table_types.h, tuning/fallback_rules.h). `select` asks the library for the
+// actual choice and compares it with this explanation.
 #pragma once
 
 #include <array>
@@ -8,9 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "tuning/table_types.h"
+
 namespace ispcfg {
 
-inline constexpr uint32_t kMapRows = 156;
+inline constexpr uint32_t kMapRows = ispdsp::tuning::kStateMapRows;
 
 struct MapRow {
     uint32_t isBlackWhite, isHDR, isWDR, sceneMode, imageScene;

@@ -9,7 +9,7 @@
 #include "ispdsp/fusion.h"
 #include "ispdsp/param_table.h"
 #include "ispdsp/stages.h"
-#include "ispdsp_host/host.h"
+#include "ispdsp_host/scoped.h"
 #include "tool_test_support.h"
 
 namespace {
@@ -67,8 +67,8 @@ const std::map<std::string, std::pair<Setter, std::vector<Int32>>> kSetters = {
 // clang-format on
 
 TEST(Ranges, StageFieldsAreFlaggedWhenTheLibraryWouldClampThem) {
-    // The setters' confirmation lines are not wanted here; null puts the default sink back at the end.
-    ispdsp_host_set_log_sink([](void*, int32_t, int32_t, const char*) {}, nullptr);
+    // The setters' confirmation lines are not wanted here.
+    const ispdsp::host::ScopedLogSink quiet([](void*, int32_t, int32_t, const char*) {}, nullptr);
     std::map<std::string, Int32> nextId;
     size_t probed = 0;
     for (const FieldDef& f : stageFields()) {
@@ -85,7 +85,6 @@ TEST(Ranges, StageFieldsAreFlaggedWhenTheLibraryWouldClampThem) {
             ++probed;
         }
     }
-    ispdsp_host_set_log_sink(nullptr, nullptr);
     EXPECT_GT(probed, 77u * 3);  // every stored stage field, several values each
 }
 

@@ -9,7 +9,7 @@
 
 namespace ispsim {
 
-// "PARAM_MULTICOLOR" ... "PARAM_WDR_EVENT_NIGHT"; "?" outside 0..119.
+// The name of a table type (from the tuning description); "?" outside 0..119.
 std::string tableTypeName(uint32_t type);
 
 // "DSP_OUTPUT_VIS" and the other DSP_OUTPUT_MODE names; "?" for other values.

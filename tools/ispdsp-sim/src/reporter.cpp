@@ -90,7 +90,6 @@ void reporterSink(void* ctx, int32_t level, int32_t category, const char* text) 
 }
 }  // namespace
 
-LogSinkScope::LogSinkScope(Reporter& reporter) { ispdsp_host_set_log_sink(&reporterSink, &reporter); }
-LogSinkScope::~LogSinkScope() { ispdsp_host_set_log_sink(nullptr, nullptr); }
+LogSinkScope::LogSinkScope(Reporter& reporter) : sink_(&reporterSink, &reporter) {}
 
 }  // namespace ispsim

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "ispdsp_host/scoped.h"
+
 namespace ispsim {
 
 using Event = nlohmann::ordered_json;
@@ -105,9 +107,9 @@ private:
 class LogSinkScope {
 public:
     explicit LogSinkScope(Reporter& reporter);
-    ~LogSinkScope();
-    LogSinkScope(const LogSinkScope&) = delete;
-    LogSinkScope& operator=(const LogSinkScope&) = delete;
+
+private:
+    ispdsp::host::ScopedLogSink sink_;
 };
 
 }  // namespace ispsim

@@ -12,14 +12,18 @@ namespace ispsim {
 
 namespace fs = std::filesystem;
 
-namespace {
-constexpr const char* kRootVariable = "ISPDSP_ROOT";
+using ispdsp::tuning::kParamFileDir;
+using ispdsp::tuning::kParamFileName;
+
+std::string tuningDevicePath() { return std::string(kParamFileDir) + "dsp_" + kParamFileName; }
+std::string pipeTuningDevicePath(uint32_t pipeId) {
+    return std::string(kParamFileDir) + std::to_string(pipeId) + "/dsp_" + kParamFileName;
+}
+std::string calibrationDevicePath() {
+    return std::string(ispdsp::tuning::kRegistrationDirs[0]) + ispdsp::tuning::kRegistrationFileName;
 }
 
-std::string pipeTuningDevicePath(uint32_t pipeId) { return "/var/tmp/" + std::to_string(pipeId) + "/dsp_isp_para.bin"; }
-
 SimSandbox::SimSandbox(const std::optional<std::string>& root, bool keep) {
-    if (const char* old = std::getenv(kRootVariable)) previousRoot_ = old;
     std::error_code ec;
     if (root) {
         fs::create_directories(*root, ec);
@@ -38,15 +42,11 @@ SimSandbox::SimSandbox(const std::optional<std::string>& root, bool keep) {
         if (remove_) fs::remove_all(root_, ec);  // no destructor runs after a throwing constructor
         throw SandboxError(why);
     }
-    setenv(kRootVariable, root_.c_str(), 1);
+    rootScope_.emplace(root_);
 }
 
 SimSandbox::~SimSandbox() {
-    if (previousRoot_) {
-        setenv(kRootVariable, previousRoot_->c_str(), 1);
-    } else {
-        unsetenv(kRootVariable);
-    }
+    rootScope_.reset();
     if (remove_) {
         std::error_code ec;
         fs::remove_all(root_, ec);

@@ -1,5 +1,6 @@
-// The device's file system in a folder: ISPDSP_ROOT points the host layer at
-// it, and the files the driver reads are placed where it looks for them.
+// The device's file system in a folder: the host layer's sandbox root points at
+// it while the simulator runs, and the files the driver reads are placed where
+// it looks for them (tuning/device_paths.h).
 #pragma once
 
 #include <cstdint>
@@ -7,15 +8,18 @@
 #include <stdexcept>
 #include <string>
 
+#include "ispdsp_host/scoped.h"
+#include "tuning/device_paths.h"
+
 namespace ispsim {
 
 // Device paths the simulator fills.
-inline constexpr const char* kTuningDevicePath = "/var/tmp/dsp_isp_para.bin";
-inline constexpr const char* kCalibrationDevicePath = "/var/tmp/calibration.txt";
-inline constexpr const char* kNirDevicePath = "/tmp/nir.txt";
-inline constexpr const char* kRlrDevicePath = "/var/custom/rlr_para.bin";
+std::string tuningDevicePath();
+std::string calibrationDevicePath();  // in the first place the driver looks
+inline constexpr const char* kNirDevicePath = ispdsp::tuning::kNirCurvePath;
+inline constexpr const char* kRlrDevicePath = ispdsp::tuning::kRlrPath;
 // Folders the driver writes into but never creates: the RLR flash copy.
-inline constexpr const char* kWritableDeviceDirs[] = {"/mnt/mtd/3A"};
+inline constexpr const char* kWritableDeviceDirs[] = {ispdsp::tuning::kRlrFlashDir};
 // Per-pipe parameter files, used when the pipes get different tunings.
 std::string pipeTuningDevicePath(uint32_t pipeId);
 
@@ -42,7 +46,7 @@ public:
 private:
     std::string root_;
     bool remove_ = false;
-    std::optional<std::string> previousRoot_;
+    std::optional<ispdsp::host::ScopedSandboxRoot> rootScope_;
 };
 
 // Size and CRC-32 of a file (for the run header); nullopt when unreadable.

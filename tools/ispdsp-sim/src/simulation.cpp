@@ -136,9 +136,9 @@ void placeFiles(const Options& options, const SimSandbox& sandbox) {
         sandbox.place(options.tuning, pipeTuningDevicePath(kColorPipe));
         sandbox.place(*options.monoTuning, pipeTuningDevicePath(kMonoPipe));
     } else {
-        sandbox.place(options.tuning, kTuningDevicePath);
+        sandbox.place(options.tuning, tuningDevicePath());
     }
-    if (options.calibration) sandbox.place(*options.calibration, kCalibrationDevicePath);
+    if (options.calibration) sandbox.place(*options.calibration, calibrationDevicePath());
     if (options.nir) sandbox.place(*options.nir, kNirDevicePath);
     if (options.rlr) sandbox.place(*options.rlr, kRlrDevicePath);
 }
@@ -180,7 +180,7 @@ void explainFailure(const PipePair& pair, const Options& options) {
     }
     if (pair.failure().find("DRV_dspIspCreateX") != std::string::npos)
         complain("check the tuning file " + options.tuning + " (placed at " +
-                 (options.monoTuning ? pipeTuningDevicePath(kColorPipe) : std::string(kTuningDevicePath)) + ")");
+                 (options.monoTuning ? pipeTuningDevicePath(kColorPipe) : tuningDevicePath()) + ")");
 }
 
 // The parameter file the console pipe loaded.

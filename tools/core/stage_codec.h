@@ -1,11 +1,10 @@
 // The stage records of a table in JSON, each under its table field name with its fields by
-// name; LAE nests its two parts:
+// name; a record with nested parts (LAE) nests them:
 //
 //   "ispLsmParam": {"aw_left_thr": 64, "aw_right_thr": 960, "aw_top_thr": 64, "aw_bottom_thr": 960},
 //   "ispLaeParam": {"plateLaeParam": {"manual_en": 1, ...}, "windowLaeParam": {"manual_en": 0, ...}},
-//   "ispSbm3dParam", "ispYuv2yuvParam", "ispFusionPlateParam", "ispFg2cParam", "ispLleParam",
-//   "ispYlwdrParam", "ispY2dParam", "ispDlaeParam", "ispDlcfaParam", "ispSadeParam"
 //
+// The records and their fields are those of the tuning description (tuning/stage_list.h).
 // Missing records and fields are 0; padding bytes are always written as 0.
 #pragma once
 

@@ -22,7 +22,7 @@ std::vector<std::string> tableKeys() {
 // The type of a table object, or nothing (reported).
 std::optional<int32_t> decodeType(const Json& table, const std::string& where, Diagnostics& diag) {
     if (!table.contains("type")) {
-        diag.error(where, "missing \"type\" (a PARAM_TABLE_TYPE name such as \"PARAM_MULTICOLOR\")");
+        diag.error(where, "missing \"type\" (a PARAM_TABLE_TYPE name such as \"" + tableTypeName(0) + "\")");
         return std::nullopt;
     }
     const Json& t = table["type"];

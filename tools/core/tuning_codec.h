@@ -32,7 +32,7 @@ struct BuildSettings {
     bool stampDate = false;  // dateTime := the current UTC time
 };
 // Nothing, with one line per problem in `errors`, when the text is not a valid source
-// ("tables[2] (PARAM_FACE) fusion[3].ep_delta: ...") or describes a file the driver would
+// ("tables[2] (<table type>) fusion[3].ep_delta: ...") or describes a file the driver would
 // reject (no table, another version).
 std::optional<BuiltParamFile> buildParamFile(const std::string& tuningJson, std::vector<std::string>& errors,
                                              const BuildSettings& settings = {});

@@ -1,7 +1,6 @@
-// The one table of every named value in a parameter table: where it lies, how wide it is and
-// the range the DSP accepts (the limits the driver's calculations hold it to, read from the
-// driver's own rule tables). The JSON codecs, `check`, `diff` and `plot` all walk this table,
-// so a field is described exactly once.
+// Every named value of a parameter table, flattened from the tuning description: where it
+// lies, how wide it is and the range the DSP accepts. The JSON codecs, `check`, `diff` and
+// `plot` all walk this table.
 #pragma once
 
 #include <array>
@@ -9,6 +8,8 @@
 #include <cstdint>
 #include <span>
 #include <string>
+
+#include "tuning/file_layout.h"
 
 namespace ispcfg {
 
@@ -24,13 +25,13 @@ struct FieldDef {
     int64_t dspHigh;
 };
 
-inline constexpr size_t kTableBytes = 8820;  // CFG_DspIspCfgParam
-inline constexpr size_t kEntryBytes = 8824;  // type word + table
-inline constexpr size_t kGainSteps = 16;
-inline constexpr size_t kStepBytes = 544;   // CFG_DSP_FusionV2722
-inline constexpr size_t kFusionOffset = 4;  // ispFusionParam inside the table
-inline constexpr size_t kNirPoints = 511;
-inline constexpr size_t kNirOffset = 33;  // w_nir inside one gain step
+using ispdsp::tuning::kEntryBytes;
+using ispdsp::tuning::kGainSteps;
+using ispdsp::tuning::kNirPoints;
+using ispdsp::tuning::kTableBytes;
+inline constexpr size_t kStepBytes = ispdsp::tuning::kFusionRecordBytes;
+inline constexpr size_t kFusionOffset = ispdsp::tuning::kFusionRecordsOffset;
+inline constexpr size_t kNirOffset = ispdsp::tuning::kNirCurveOffset;
 
 // Every field in layout order: the table-level flag, the 26 fusion scalars of one gain step,
 // then the stage records in table order.
@@ -50,6 +51,13 @@ const char* typeName(Scalar type);  // "Uint16", "Int8", ...
 // Little-endian load/store of one field at bytes[offset] (two's complement for signed types).
 int64_t loadField(const uint8_t* bytes, Scalar type);
 void storeField(uint8_t* bytes, Scalar type, int64_t value);
+
+// True for the scalars of a fusion record (sixteen copies per table, one per gain step).
+bool isFusionField(const FieldDef& field);
+// Table offset of `field`: in the fusion record of `gainStep` for a fusion scalar, else in the table.
+size_t tableOffsetOf(const FieldDef& field, size_t gainStep = 0);
+// Table offset of the NIR curve of `gainStep`.
+constexpr size_t nirCurveOffset(size_t gainStep) { return ispdsp::tuning::fusionFieldOffset(gainStep, kNirOffset); }
 
 // "ispLaeParam.plateLaeParam.gbce_level", "fusion[3].ep_delta", "ispFusionFlag".
 std::string fieldPath(const FieldDef& field, int gainStep = -1);

@@ -3,7 +3,7 @@
 //   {
 //     "header": { ... see header_codec.h ... },
 //     "tables": [
-//       {"type": "PARAM_MULTICOLOR", "ispFusionFlag": 1, "fusion": [ ... ], "ispLsmParam": { ... }, ...},
+//       {"type": "<table type name>", "ispFusionFlag": 1, "fusion": [ ... ], "ispLsmParam": { ... }, ...},
 //       ...
 //     ]
 //   }

@@ -38,9 +38,7 @@ bool hasErrors(const Findings& findings) {
 }
 
 bool versionMatches(uint32_t verBits) {
-    // Same comparison as the driver: |a - b| in single precision, compared in double.
-    const float diff = std::fabs(floatFromBits(verBits) - floatFromBits(kExpectedVersionBits));
-    return static_cast<double>(diff) < 1e-6;
+    return ispdsp::tuning::versionAccepted(floatFromBits(verBits));  // the driver's own comparison
 }
 
 std::vector<std::string> tableLabels(const std::vector<TableEntry>& entries) {
@@ -118,9 +116,9 @@ Findings tableFindings(const std::vector<TableEntry>& entries) {
         const TableEntry& e = entries[i];
         const uint8_t* t = e.bytes.data();
         for (const FieldDef& f : allFields()) {
-            const bool fusion = std::string_view(f.record) == "fusion";
+            const bool fusion = isFusionField(f);
             for (size_t step = 0; step < (fusion ? kGainSteps : 1); ++step) {
-                const size_t at = fusion ? kFusionOffset + step * kStepBytes + f.offset : f.offset;
+                const size_t at = tableOffsetOf(f, step);
                 const int64_t v = loadField(t + at, f.type);
                 if (v < f.dspLow || v > f.dspHigh) {
                     out.push_back(

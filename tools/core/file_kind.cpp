@@ -1,14 +1,18 @@
 #include "file_kind.h"
 
 #include <algorithm>
+#include <bit>
 #include <string_view>
+
+#include "ispdsp/rlr.h"
+#include "tuning/file_layout.h"
 
 namespace ispdsp::tools {
 namespace {
 
-constexpr uint32_t kParamVersionBits = 0x47A21280;  // 82981.0f, the only version the driver reads
-constexpr size_t kParamOverhead = 112;              // header, size word, checksum
-constexpr size_t kRlrTableBytes = 768;              // three 256-byte tables
+constexpr uint32_t kParamVersionBits = std::bit_cast<uint32_t>(ispdsp::tuning::kExpectedVersion);
+constexpr size_t kParamOverhead = ispdsp::tuning::kFileOverhead;  // header, size word, checksum
+constexpr size_t kRlrTableBytes = sizeof(CFG_RlrTableParam);      // three 256-byte tables
 constexpr size_t kRlrStampFromEnd = 226;            // six date bytes: year-2000, month, day, h, m, s
 
 uint32_t wordAt(std::span<const uint8_t> b, size_t at) {
@@ -19,7 +23,7 @@ uint32_t wordAt(std::span<const uint8_t> b, size_t at) {
 // The version word, or a size word that accounts for the whole file (a file of another version).
 bool looksLikeParamFile(std::span<const uint8_t> b) {
     if (b.size() >= 4 && wordAt(b, 0) == kParamVersionBits) return true;
-    return b.size() >= kParamOverhead && wordAt(b, 104) == b.size() - kParamOverhead;
+    return b.size() >= kParamOverhead && wordAt(b, ispdsp::tuning::kSizeWordOffset) == b.size() - kParamOverhead;
 }
 
 bool looksLikeRlrTable(std::span<const uint8_t> b) {

@@ -7,9 +7,9 @@
 namespace ispcfg {
 namespace {
 
-uint8_t* stepBytes(TableEntry& t, size_t step) { return t.bytes.data() + kFusionOffset + step * kStepBytes; }
+uint8_t* stepBytes(TableEntry& t, size_t step) { return t.bytes.data() + ispdsp::tuning::fusionFieldOffset(step, 0); }
 const uint8_t* stepBytes(const TableEntry& t, size_t step) {
-    return t.bytes.data() + kFusionOffset + step * kStepBytes;
+    return t.bytes.data() + ispdsp::tuning::fusionFieldOffset(step, 0);
 }
 
 std::vector<std::string> stepKeys() {

@@ -8,6 +8,8 @@
 namespace ispcfg {
 namespace {
 
+using namespace ispdsp::tuning;
+
 uint32_t loadWord(const uint8_t* p) {
     return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 | static_cast<uint32_t>(p[2]) << 16 |
            static_cast<uint32_t>(p[3]) << 24;
@@ -27,19 +29,16 @@ float floatFromBits(uint32_t bits) { return std::bit_cast<float>(bits); }
 uint32_t bitsFromFloat(float value) { return std::bit_cast<uint32_t>(value); }
 
 int32_t fileChecksum(const uint8_t* header104, const uint8_t* block, size_t blockSize) {
-    uint32_t sum = 0;
-    for (size_t i = 0; i < kHeaderBytes; i += 4) sum ^= loadWord(header104 + i);
-    for (size_t i = 0; i + 4 <= blockSize; i += 4) sum ^= loadWord(block + i);
-    return static_cast<int32_t>(sum);
+    return static_cast<int32_t>(xorOfWords(header104, kHeaderBytes) ^ xorOfWords(block, blockSize));
 }
 
 std::array<uint8_t, kHeaderBytes> headerBytes(const FileHeader& h) {
     std::array<uint8_t, kHeaderBytes> out{};
-    putWord(out.data(), h.verBits);
-    std::memcpy(out.data() + 4, h.dateTime.data(), kTextBytes);
-    putWord(out.data() + 36, h.subVerBits);
-    std::memcpy(out.data() + 40, h.archName.data(), kTextBytes);
-    std::memcpy(out.data() + 72, h.pdtName.data(), kTextBytes);
+    putWord(out.data() + kVersionOffset, h.verBits);
+    std::memcpy(out.data() + kDateTimeOffset, h.dateTime.data(), kTextBytes);
+    putWord(out.data() + kSubVersionOffset, h.subVerBits);
+    std::memcpy(out.data() + kArchNameOffset, h.archName.data(), kTextBytes);
+    std::memcpy(out.data() + kProductNameOffset, h.pdtName.data(), kTextBytes);
     return out;
 }
 
@@ -53,14 +52,14 @@ std::optional<ParsedFile> parseParamFile(const std::vector<uint8_t>& bytes, std:
     f.fileLength = bytes.size();
     const uint8_t* p = bytes.data();
     FileHeader& h = f.image.header;
-    h.verBits = loadWord(p);
-    std::memcpy(h.dateTime.data(), p + 4, kTextBytes);
-    h.subVerBits = loadWord(p + 36);
-    std::memcpy(h.archName.data(), p + 40, kTextBytes);
-    std::memcpy(h.pdtName.data(), p + 72, kTextBytes);
-    f.sizeWord = loadWord(p + kHeaderBytes);
+    h.verBits = loadWord(p + kVersionOffset);
+    std::memcpy(h.dateTime.data(), p + kDateTimeOffset, kTextBytes);
+    h.subVerBits = loadWord(p + kSubVersionOffset);
+    std::memcpy(h.archName.data(), p + kArchNameOffset, kTextBytes);
+    std::memcpy(h.pdtName.data(), p + kProductNameOffset, kTextBytes);
+    f.sizeWord = loadWord(p + kSizeWordOffset);
 
-    const size_t blockStart = kHeaderBytes + 4;
+    const size_t blockStart = kBlockOffset;
     const uint64_t afterSize = bytes.size() - blockStart;
     f.blockBytesPresent = std::min<uint64_t>(f.sizeWord, afterSize);
     const uint8_t* block = p + blockStart;
@@ -94,8 +93,8 @@ std::vector<uint8_t> serializeParamFile(const ParamFileImage& image) {
         appendWord(out, static_cast<uint32_t>(e.type));
         out.insert(out.end(), e.bytes.begin(), e.bytes.end());
     }
-    const size_t blockSize = out.size() - (kHeaderBytes + 4);
-    appendWord(out, static_cast<uint32_t>(fileChecksum(out.data(), out.data() + kHeaderBytes + 4, blockSize)));
+    const size_t blockSize = out.size() - kBlockOffset;
+    appendWord(out, static_cast<uint32_t>(fileChecksum(out.data(), out.data() + kBlockOffset, blockSize)));
     return out;
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,10 +14,10 @@
 
 namespace ispcfg {
 
-inline constexpr size_t kHeaderBytes = 104;   // ver .. pdtName, the checksummed header words
-inline constexpr size_t kFileOverhead = 112;  // header + size word + checksum word
-inline constexpr size_t kTextBytes = 32;
-inline constexpr uint32_t kExpectedVersionBits = 0x47A21280;  // 82981.0f
+using ispdsp::tuning::kFileOverhead;  // header + size word + checksum word
+using ispdsp::tuning::kHeaderBytes;   // ver .. pdtName, the checksummed header words
+inline constexpr size_t kTextBytes = ispdsp::tuning::kHeaderTextBytes;
+inline constexpr uint32_t kExpectedVersionBits = std::bit_cast<uint32_t>(ispdsp::tuning::kExpectedVersion);
 
 using TextField = std::array<uint8_t, kTextBytes>;
 

@@ -1,5 +1,5 @@
 // Errors found while reading a JSON source, each with its location inside the document
-// ("tables[2] PARAM_TRAFFIC: fusion[3].ep_delta"), plus the JSON helpers the codecs share.
+// ("tables[2] <table type>: fusion[3].ep_delta"), plus the JSON helpers the codecs share.
 #pragma once
 
 #include <cstdint>
@@ -38,7 +38,7 @@ bool readIntegerIn(const Json& value, int64_t low, int64_t high, const std::stri
 void rejectUnknownKeys(const Json& object, const std::vector<std::string>& known, const std::string& where,
                        Diagnostics& diag);
 
-// "a.b"; "b" when a is empty; "a b" when a ends with a blank (a table prefix such as "tables[2] (PARAM_FACE) ").
+// "a.b"; "b" when a is empty; "a b" when a ends with a blank (a table prefix such as "tables[2] (<table type>) ").
 std::string joinPath(std::string_view base, std::string_view leaf);
 
 }  // namespace ispcfg

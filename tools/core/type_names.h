@@ -6,11 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "ispdsp/param_table.h"
+
 namespace ispcfg {
 
-inline constexpr int32_t kTableTypes = 120;
+inline constexpr int32_t kTableTypes = PARAM_TABLE_TYPE_NUM;
 
-// "PARAM_HDR_TRAFFIC" for 14; "type 120" for a value outside 0..119.
+// The name of a table type as the tuning description builds it; "type 120" for a value outside 0..119.
 std::string tableTypeName(int32_t type);
 // The type of a name, or nothing.
 std::optional<int32_t> tableTypeFromName(std::string_view name);
