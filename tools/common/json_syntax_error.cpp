@@ -21,7 +21,9 @@ struct ErrorFinder : nlohmann::json_sax<nlohmann::json> {
     bool end_object() override { return true; }
     bool start_array(std::size_t) override { return true; }
     bool end_array() override { return true; }
-    bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception& e) override {
+    bool parse_error(std::size_t position, const std::string& token, const nlohmann::detail::exception& e) override {
+        // A number too large is shown at its first character; a syntax error where reading stopped.
+        if (e.id == 406 && !token.empty() && token.size() <= position) position -= token.size() - 1;
         error.emplace(position, e.what());
         return false;
     }

@@ -112,8 +112,8 @@ bool writeOutputFile(const std::string& path, std::span<const char> bytes, const
     OutputFile file;
     bool ok = file.open(path, rule);
     if (ok) {
-        std::fwrite(bytes.data(), 1, bytes.size(), file.stream());
-        ok = file.commit();
+        const bool whole = std::fwrite(bytes.data(), 1, bytes.size(), file.stream()) == bytes.size();
+        ok = file.commit(whole ? 0 : errno);
     }
     if (!ok) error = file.error();
     return ok;

@@ -49,7 +49,9 @@ Event messageEvent(const char* dir, const DRV_dspIspCfgOpsCtrl* ctrl, const DSP_
     if (Event outside = outOfRange(decoded); fromDriver && !outside.empty()) {
         payload["outOfRange"] = outside;
         if (decoded.type == DSP_AEW_CFG_TYPE_FUSION) {
-            payload["outOfRangeExpected"] = fusionDifferenceNote();
+            payload["outOfRangeExpected"] = g_endpoint.reporter->context().pairStart
+                                                ? "zeros at the start of a linked pair"
+                                                : fusionDifferenceNote();
             g_endpoint.reporter->countExpectedOutOfRange();
         }
     }
