@@ -3,22 +3,14 @@
 // value check, and the line as the console echoes it is printable: valid UTF-8 without
 // control characters.
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
+#include "fuzz_check.h"
 #include "console.h"
 #include "console_checks.h"
 #include "printable_text.h"
 
-namespace {
-void require(bool ok, const char* what) {
-    if (!ok) {
-        std::fprintf(stderr, "fuzz check failed: %s\n", what);
-        std::abort();
-    }
-}
-}  // namespace
+using fuzzsupport::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string line(reinterpret_cast<const char*>(data), size);

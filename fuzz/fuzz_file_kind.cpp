@@ -3,22 +3,14 @@
 // seems to be JSON text either parses or has one syntax error at a line and column inside it.
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <span>
 #include <string_view>
 
+#include "fuzz_check.h"
 #include "file_kind.h"
 #include "json_syntax_error.h"
 
-namespace {
-void require(bool ok, const char* what) {
-    if (!ok) {
-        std::fprintf(stderr, "fuzz check failed: %s\n", what);
-        std::abort();
-    }
-}
-}  // namespace
+using fuzzsupport::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using ispdsp::tools::FileKind;

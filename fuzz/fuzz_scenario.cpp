@@ -2,20 +2,12 @@
 // ScenarioError that names the file; no other exception, and no parser's own words. An odd
 // length also sets --frames (the override skips the file's frame count).
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
+#include "fuzz_check.h"
 #include "scenario.h"
 
-namespace {
-void require(bool ok, const char* what) {
-    if (!ok) {
-        std::fprintf(stderr, "fuzz check failed: %s\n", what);
-        std::abort();
-    }
-}
-}  // namespace
+using fuzzsupport::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);

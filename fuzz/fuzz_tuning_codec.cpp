@@ -3,25 +3,20 @@
 // same bytes again and dumps to the same text: source -> binary -> dump -> source is exact.
 // A parameter file (the input recognised as one) that dumps without an error or a warning
 // builds back byte for byte. Nothing throws; no message carries the parser's own words.
+#include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "fuzz_check.h"
 #include "file_kind.h"
 #include "tuning_codec.h"
 
 namespace {
 
-void require(bool ok, const char* what) {
-    if (!ok) {
-        std::fprintf(stderr, "fuzz check failed: %s\n", what);
-        std::abort();
-    }
-}
+using fuzzsupport::require;
 
 // The parser's exception ids never reach a message (unless the input itself holds one).
 void requireOurWords(std::string_view input, const std::vector<std::string>& messages) {
