@@ -17,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include "fuzz_check.h"
 #include "ispdsp/ispdsp.h"
 #include "ispdsp_host/host.h"
 #include "support/stage_outputs.h"
@@ -26,14 +27,6 @@
 extern "C" void sync(void) noexcept {}
 
 namespace fuzzsupport {
-
-// Stops the run (a fuzzing finding) with a message when `ok` is false.
-inline void require(bool ok, const char* what) {
-    if (!ok) {
-        std::fprintf(stderr, "fuzz check failed: %s\n", what);
-        std::abort();
-    }
-}
 
 inline void dropLine(void*, int32_t, int32_t, const char*) {}
 

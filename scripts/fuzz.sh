@@ -9,7 +9,8 @@
 #   scripts/fuzz.sh            15 s per target (the CI run)
 #   scripts/fuzz.sh 600        the long run
 #   scripts/fuzz.sh 60 rlr     one target
-# Targets: param_file table_block registration nir_curve rlr console.
+# Targets: param_file table_block registration nir_curve rlr console (the library's inputs),
+# tuning_codec scenario console_line file_kind (the host tools' inputs).
 # New inputs that the run finds go to build/fuzz/corpus/<target>/, never into
 # the source tree; copy the interesting ones to fuzz/corpus/ by hand.
 # ISPDSP_FUZZ_BUILD_DIR overrides the build folder.
@@ -19,7 +20,11 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 seconds=${1:-15}
 shift || true
 targets=("$@")
-[ ${#targets[@]} -eq 0 ] && targets=(param_file table_block registration nir_curve rlr console)
+[ ${#targets[@]} -eq 0 ] && targets=(param_file table_block registration nir_curve rlr console
+                                      tuning_codec scenario console_line file_kind)
+# A source grows into whole tables quickly; a few kilobytes reach every part of the codec
+# and keep each round trip short.
+declare -A target_options=([tuning_codec]="-max_len=2048")
 jobs=${ISPDSP_JOBS:-2}
 dir=${ISPDSP_FUZZ_BUILD_DIR:-$root/build/fuzz}
 
@@ -34,7 +39,7 @@ echo "=== fuzz: configure and build in $dir"
 mkdir -p "$dir"
 if ! CC=clang CXX=clang++ cmake -S "$root" -B "$dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DISPDSP_BUILD_FUZZ=ON -DISPDSP_SANITIZE=address,undefined \
-        -DISPDSP_BUILD_TESTS=OFF -DISPDSP_BUILD_TOOLS=OFF -DISPDSP_BUILD_BENCH=OFF >"$dir/configure.log" 2>&1; then
+        -DISPDSP_BUILD_TESTS=OFF -DISPDSP_BUILD_TOOLS=ON -DISPDSP_BUILD_BENCH=OFF >"$dir/configure.log" 2>&1; then
     cat "$dir/configure.log"
     echo "fuzz: configure FAILED"
     exit 1
@@ -60,7 +65,7 @@ for target in "${targets[@]}"; do
     # Leaks are checked per input by LeakSanitizer and by the in-memory host;
     # -timeout catches a hang of one input.
     ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1} UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1} \
-        "$dir/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+        "$dir/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 ${target_options[$target]:-} \
         -print_final_stats=1 -artifact_prefix="$dir/artifacts/$target-" "$work" "$seeds" >"$log" 2>&1
     rc=$?
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)

@@ -1,10 +1,14 @@
 #!/usr/bin/env bash
-# Installs the Debian packages listed in scripts/packages.txt that are missing.
+# Installs the Debian packages listed in scripts/packages.txt that are missing:
+# those of the main job (the native build), and with --tests also those below
+# the "## tests" line (cross compiler, emulator, sanitizers, fuzzing, packaging).
 # Idempotent: when everything is present it touches nothing and needs no network.
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-mapfile -t packages < <(sed -e 's/#.*//' -e 's/[[:space:]]//g' "$here/packages.txt" | grep -v '^$')
+section='/^## tests/q'
+[ "${1:-}" = "--tests" ] && section=''
+mapfile -t packages < <(sed -e "$section" "$here/packages.txt" | sed -e 's/#.*//' -e 's/[[:space:]]//g' | grep -v '^$')
 
 missing=()
 for package in "${packages[@]}"; do

@@ -13,7 +13,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 jobs=${ISPDSP_JOBS:-2}
 build_type=${ISPDSP_BUILD_TYPE:-RelWithDebInfo}
 
-bash "$root/scripts/setup.sh" || exit 1
+bash "$root/scripts/setup.sh" --tests || exit 1
 
 declare -A summary
 status=0

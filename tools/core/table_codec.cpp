@@ -176,8 +176,9 @@ std::optional<Json> parseJsonText(const std::string& text, Diagnostics& diag) {
     try {
         DuplicateKeyFinder duplicates(diag);
         return Json::parse(text, std::ref(duplicates), /*allow_exceptions=*/true, /*ignore_comments=*/true);
-    } catch (const Json::parse_error& e) {
-        const auto where = ispdsp::tools::describeJsonSyntaxError(text, e.byte, e.what());
+    } catch (const Json::exception& e) {  // a syntax error, or a number too large (1e400)
+        const auto where = ispdsp::tools::findJsonSyntaxError(text).value_or(
+            ispdsp::tools::describeJsonSyntaxError(text, 0, e.what()));
         diag.error("line " + std::to_string(where.line) + ", column " + std::to_string(where.column),
                    "JSON syntax error: " + where.reason);
         return std::nullopt;

@@ -16,7 +16,7 @@ int runBuild(const BuildOptions& o, std::ostream& out, std::ostream& err) {
         return kExitError;
     }
     const std::string bytes(built->bytes.begin(), built->bytes.end());
-    if (!writeOutput(o.output, bytes, out, err, {o.source})) return kExitError;
+    if (!writeOutput(o.output, bytes, out, err, {o.source}, o.force)) return kExitError;
     // The summary goes where the file does not: standard error when the file is standard output.
     std::ostream& report = o.output == "-" ? err : out;
     report << o.output << ": " << (built->bytes.size() - kFileOverhead) / kEntryBytes << " tables, "

@@ -22,14 +22,18 @@ int runCheck(const std::string& input, std::ostream& out, std::ostream& err) {
     out << input << ": version " << describeFloat(h.verBits) << ", subVer " << describeFloat(h.subVerBits)
         << ", dateTime " << describeText(h.dateTime) << ", archName " << describeText(h.archName) << ", pdtName "
         << describeText(h.pdtName) << "\n";
-    out << input << ": " << file.image.entries.size() << " tables:";
-    for (const TableEntry& e : file.image.entries) out << " " << tableTypeName(e.type);
-    out << "\n";
+    if (file.image.entries.empty()) {
+        out << input << ": no tables\n";
+    } else {
+        out << input << ": " << file.image.entries.size() << (file.image.entries.size() == 1 ? " table:" : " tables:");
+        for (const TableEntry& e : file.image.entries) out << " " << tableTypeName(e.type);
+        out << "\n";
+    }
     size_t errors = 0;
     for (const Finding& f : findings) {
         const Severity s = severityOf(f.kind);
         errors += s == Severity::Error;
-        out << severityWord(s) << ": " << f.text << "\n";
+        out << severityWord(s) << ": " << input << ": " << f.text << "\n";
     }
     const size_t warnings = findings.size() - errors;
     out << input << ": " << errors << (errors == 1 ? " error, " : " errors, ") << warnings

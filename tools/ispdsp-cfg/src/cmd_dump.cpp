@@ -21,7 +21,7 @@ int runDump(const DumpOptions& o, std::ostream& out, std::ostream& err) {
         err << "error: " << o.input << ": " << error << "\n";
         return kExitFindings;
     }
-    if (!writeOutput(o.output.empty() ? "-" : o.output, dumped->text, out, err, {o.input})) return kExitError;
+    if (!writeOutput(o.output.empty() ? "-" : o.output, dumped->text, out, err, {o.input}, o.force)) return kExitError;
     for (const std::string& e : dumped->errors) err << "error: " << o.input << ": " << e << "\n";
     for (const std::string& w : dumped->warnings) err << "warning: " << o.input << ": " << w << "\n";
     return dumped->errors.empty() && dumped->warnings.empty() ? kExitOk : kExitFindings;

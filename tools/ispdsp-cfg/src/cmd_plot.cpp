@@ -177,7 +177,7 @@ int runPlot(const PlotOptions& o, std::ostream& out, std::ostream& err) {
     curvePanel(s, *table, kMargin, curveTop, width - 2 * kMargin, curveH);
     s << "</svg>\n";
 
-    if (!writeOutput(o.output, s.str(), out, err, {o.input})) return kExitError;
+    if (!writeOutput(o.output, s.str(), out, err, {o.input}, o.force)) return kExitError;
     (o.output == "-" ? err : out) << o.output << ": " << o.table << " plotted\n";
     return rejected ? kExitFindings : kExitOk;
 }

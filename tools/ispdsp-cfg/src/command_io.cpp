@@ -1,8 +1,7 @@
 #include "command_io.h"
 
-#include <filesystem>
-
 #include "input_file.h"
+#include "output_file.h"
 
 namespace ispcfg {
 
@@ -41,20 +40,13 @@ std::optional<std::string> loadJsonSourceFor(const std::string& path, std::ostre
 }
 
 bool writeOutput(const std::string& path, const std::string& bytes, std::ostream& out, std::ostream& err,
-                 const std::vector<std::string>& inputs) {
+                 const std::vector<std::string>& inputs, bool replace) {
     if (path == "-") {
         out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         return true;
     }
-    for (const std::string& input : inputs) {
-        std::error_code ec;  // a path that does not exist yet is no input
-        if (std::filesystem::equivalent(path, input, ec)) {
-            err << "error: " << path << ": is the input file " << input << "; not overwritten\n";
-            return false;
-        }
-    }
     std::string error;
-    if (!writeFileBytes(path, std::vector<uint8_t>(bytes.begin(), bytes.end()), error)) {
+    if (!ispdsp::tools::writeOutputFile(path, bytes, {inputs, replace}, error)) {
         err << "error: " << error << "\n";
         return false;
     }

@@ -40,9 +40,10 @@ bool reportRejection(const std::string& path, const LoadedParamFile& loaded, std
 // Reads a text source (the JSON of `build`); nothing, with the "error:" line on `err`.
 std::optional<std::string> loadJsonSourceFor(const std::string& path, std::ostream& err);
 
-// Writes `bytes` to `path`, or to `out` when the path is "-" (whose failure main() reports). Refuses to overwrite one
-// of the command's `inputs`. False, with the "error:" line.
+// Writes `bytes` to `path` (through a temporary file renamed into place), or to `out` when the
+// path is "-" (whose failure main() reports). Never writes over one of the command's `inputs`;
+// replaces an existing file only when `replace` (--force). False, with the "error:" line.
 bool writeOutput(const std::string& path, const std::string& bytes, std::ostream& out, std::ostream& err,
-                 const std::vector<std::string>& inputs = {});
+                 const std::vector<std::string>& inputs, bool replace);
 
 }  // namespace ispcfg

@@ -15,12 +15,14 @@ struct BuildOptions {
     std::string source;      // JSON source
     std::string output;      // binary parameter file
     bool stampDate = false;  // replace dateTime by the current UTC time
+    bool force = false;      // replace an existing output file
 };
 int runBuild(const BuildOptions& options, std::ostream& out, std::ostream& err);
 
 struct DumpOptions {
     std::string input;
     std::string output;  // empty: `out`
+    bool force = false;
 };
 int runDump(const DumpOptions& options, std::ostream& out, std::ostream& err);
 
@@ -39,6 +41,7 @@ struct PlotOptions {
     std::string input;
     std::string table;   // PARAM_TABLE_TYPE name
     std::string output;  // SVG file
+    bool force = false;
 };
 int runPlot(const PlotOptions& options, std::ostream& out, std::ostream& err);
 

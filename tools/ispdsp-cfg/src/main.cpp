@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "commands.h"
+#include "diagnostic.h"
 #include "type_names.h"
 
 namespace {
@@ -55,20 +56,34 @@ Exit status, for every command:
   2  the command could not do its work: usage, an input that cannot be read or is another kind
      of file, an output that cannot be written, a build refused because the driver would
      reject the file
-An output of "-" is standard output. The JSON source format: `ispdsp-cfg build --help`.)";
+Outputs (-o): "-" is standard output. A file is written to a temporary file beside it and renamed
+  into place only when complete; it is never one of the command's inputs; an existing file is
+  replaced only with --force. The JSON source format: `ispdsp-cfg build --help`.)";
+
+constexpr const char* kCommands = "build, dump, check, select, diff or plot";
+constexpr const char* kForceHelp = "replace the output file if it exists";
 
 // Every command writes its report through std::cout; a full disk or a closed pipe shows here.
-bool standardOutputWritten() {
+bool standardOutputWritten(std::ostream& err) {
     std::cout.flush();
     errno = 0;
     if (std::cout && std::fflush(stdout) == 0 && !std::ferror(stdout)) return true;
-    std::cerr << "error: standard output: write failed" << (errno != 0 ? std::string(": ") + std::strerror(errno) : "")
-              << "\n";
+    err << "error: standard output: write failed" << (errno != 0 ? std::string(": ") + std::strerror(errno) : "") << "\n";
     return false;
 }
 
-int runTool(int argc, char** argv) {
-    CLI::App app{"ispdsp-cfg: build, inspect and check ISP parameter files (dsp_isp_para.bin)"};
+// A command-line mistake in our words, with where to look for the right form.
+int commandLineMistake(const CLI::App& app, const CLI::ParseError& e, int argc, char** argv, std::ostream& err) {
+    const bool unknownCommand = app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-';
+    err << "error: "
+        << (unknownCommand ? "'" + std::string(argv[1]) + "' is not a command: " + kCommands
+                           : ispdsp::tools::commandLineProblem(e.what(), kCommands))
+        << " (ispdsp-cfg --help)\n";
+    return ispcfg::kExitError;
+}
+
+int runTool(int argc, char** argv, std::ostream& err) {
+    CLI::App app{"ispdsp-cfg: build, inspect and check ISP parameter files (dsp_isp_para.bin)", "ispdsp-cfg"};
     app.require_subcommand(1);
     app.set_version_flag("--version", "ispdsp-cfg " ISPDSP_VERSION);
     app.footer(kFooter);
@@ -80,20 +95,22 @@ int runTool(int argc, char** argv) {
     buildCmd->add_option("-o,--output", build.output, "binary parameter file to write, - for standard output")
         ->required();
     buildCmd->add_flag("--stamp-date", build.stampDate, "set dateTime to the current UTC time");
+    buildCmd->add_flag("--force", build.force, kForceHelp);
     buildCmd->footer(sourceFormat());
-    buildCmd->callback([&] { status = ispcfg::runBuild(build, std::cout, std::cerr); });
+    buildCmd->callback([&] { status = ispcfg::runBuild(build, std::cout, err); });
 
     ispcfg::DumpOptions dump;
     auto* dumpCmd = app.add_subcommand("dump", "binary parameter file -> JSON source (build of it is byte-identical)");
     dumpCmd->add_option("file", dump.input, "binary parameter file")->required();
     dumpCmd->add_option("-o,--output", dump.output, "JSON file to write (default and -: standard output)");
-    dumpCmd->callback([&] { status = ispcfg::runDump(dump, std::cout, std::cerr); });
+    dumpCmd->add_flag("--force", dump.force, kForceHelp);
+    dumpCmd->callback([&] { status = ispcfg::runDump(dump, std::cout, err); });
 
     std::string checkInput;
     auto* checkCmd = app.add_subcommand(
         "check", "version, checksum, block layout, table types and every field against the DSP's ranges");
     checkCmd->add_option("file", checkInput, "binary parameter file")->required();
-    checkCmd->callback([&] { status = ispcfg::runCheck(checkInput, std::cout, std::cerr); });
+    checkCmd->callback([&] { status = ispcfg::runCheck(checkInput, std::cout, err); });
 
     ispcfg::SelectOptions select;
     auto* selectCmd =
@@ -114,26 +131,27 @@ int runTool(int argc, char** argv) {
                      "imageScene: 0 base, 1 traffic, 2 face, 4 IVS, 5..13 other scenes")
         ->default_val(0)
         ->excludes(all);
-    selectCmd->callback([&] { status = ispcfg::runSelect(select, std::cout, std::cerr); });
+    selectCmd->callback([&] { status = ispcfg::runSelect(select, std::cout, err); });
 
     std::string diffA, diffB;
     auto* diffCmd = app.add_subcommand("diff", "differences between two files by header, table and field");
     diffCmd->add_option("a", diffA, "first file")->required();
     diffCmd->add_option("b", diffB, "second file")->required();
-    diffCmd->callback([&] { status = ispcfg::runDiff(diffA, diffB, std::cout, std::cerr); });
+    diffCmd->callback([&] { status = ispcfg::runDiff(diffA, diffB, std::cout, err); });
 
     ispcfg::PlotOptions plot;
     auto* plotCmd = app.add_subcommand("plot", "SVG of one table's fusion parameters and NIR weight curves");
     plotCmd->add_option("file", plot.input, "binary parameter file")->required();
     plotCmd->add_option("--table", plot.table, "PARAM_TABLE_TYPE name, e.g. " + ispcfg::tableTypeName(0))->required();
     plotCmd->add_option("-o,--output", plot.output, "SVG file to write, - for standard output")->required();
-    plotCmd->callback([&] { status = ispcfg::runPlot(plot, std::cout, std::cerr); });
+    plotCmd->add_flag("--force", plot.force, kForceHelp);
+    plotCmd->callback([&] { status = ispcfg::runPlot(plot, std::cout, err); });
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
-        const int code = app.exit(e);  // prints help, the version, or the usage error
-        if (code != 0) status = ispcfg::kExitError;
+        if (e.get_exit_code() != 0) return commandLineMistake(app, e, argc, argv, err);
+        app.exit(e);  // the help or the version
     }
     return status;
 }
@@ -141,13 +159,14 @@ int runTool(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    ispdsp::tools::ProgramMessages err("ispdsp-cfg");
     int status = ispcfg::kExitError;
     try {
-        status = runTool(argc, argv);
-    } catch (const std::exception& e) {  // no input ends the tool on an exception
-        std::cerr << "error: " << e.what() << "\n";
+        status = runTool(argc, argv, err);
+    } catch (const std::exception& e) {  // a fault of the tool: no input should end it here
+        err << "error: internal error: " << e.what() << "\n";
         status = ispcfg::kExitError;
     }
-    if (!standardOutputWritten()) status = ispcfg::kExitError;
+    if (!standardOutputWritten(err)) status = ispcfg::kExitError;
     return status;
 }

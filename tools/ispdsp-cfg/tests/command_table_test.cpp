@@ -55,6 +55,7 @@ void prepare(const TempDir& dir) {
              {"flag.json", "{\"tables\": [{\"type\": \"PARAM_MULTICOLOR\", \"ispFusionFlag\": 1}]}"}, {"zero", ""},
              {"notes.txt", "tuning notes\n"}})
         dir.write(name, text);
+    std::filesystem::create_symlink(dir.path("s.bin"), dir.path("link.bin"));
 }
 
 const char* const kRejected = "computed (the driver rejects the file)";
@@ -82,14 +83,14 @@ const CommandCase kCases[] = {
     {"select {d}s.bin --hdr 5 --scene-mode 2 --image-scene 4", 0, {"PARAM_HDR_IVS_NIGHT stands against PARAM_HDR_MULTICOLOR (position 70), present"}},
     {"select {d}s.bin --image-scene 3", 1, {"no map row matches this state (imageScene must be 0..13 without 3)"}},
     {"diff {d}nosum.bin {d}stale.bin", 1, {"checksum: missing -> 0x", " (does not match the contents: 0x", "error: {d}nosum.bin: checksum word missing"}},
-    {"check {d}bad.bin", 1, {"\nerror: checksum 0x", ": 1 error, 0 warnings (the driver rejects the file)\n"}},
-    {"check {d}trail.bin", 1, {"\nwarning: block size 79516 is not a whole multiple of 8824: trailing incomplete entry of 100 bytes", ": 9 tables:"}},
+    {"check {d}bad.bin", 1, {"\nerror: {d}bad.bin: checksum 0x", ": 1 error, 0 warnings (the driver rejects the file)\n"}},
+    {"check {d}trail.bin", 1, {"\nwarning: {d}trail.bin: block size 79516 is not a whole multiple of 8824: trailing incomplete entry of 100 bytes", ": 9 tables:"}},
     {"check {d}short.bin", 1, {"error: {d}short.bin: file is 112 bytes long"}},
-    {"check {d}cut.bin", 1, {"\nerror: checksum word missing"}},
-    {"check {d}odd.bin", 1, {"\nwarning: entry 10: duplicate PARAM_TRAFFIC (first at entry 6; the driver uses the later one)\n",
-                             "\nwarning: entry 11: table type 120 is outside 0..119",
-                             "\nerror: header ver = 82981.01 (the driver reads version 82981 only: it rejects the file)\n",
-                             "\nwarning: PARAM_HDR_MULTICOLOR padding byte at table offset 8817 = 0x01"}},
+    {"check {d}cut.bin", 1, {"\nerror: {d}cut.bin: checksum word missing", "{d}cut.bin: no tables\n"}},
+    {"check {d}odd.bin", 1, {"\nwarning: {d}odd.bin: entry 10: duplicate PARAM_TRAFFIC (first at entry 6; the driver uses the later one)\n",
+                             "\nwarning: {d}odd.bin: entry 11: table type 120 is outside 0..119",
+                             "\nerror: {d}odd.bin: header ver = 82981.01 (the driver reads version 82981 only: it rejects the file)\n",
+                             "\nwarning: {d}odd.bin: PARAM_HDR_MULTICOLOR padding byte at table offset 8817 = 0x01"}},
     {"dump {d}odd.bin -o {d}odd.json", 1, {"error: {d}odd.bin: header ver = 82981.01"}},
     {"plot {d}bad.bin --table PARAM_FACE -o {d}x.svg", 1, {kRejected}},
     {"select {d}bad.bin", 1, {"the driver loads no table set from this file, so it chooses no table"}},
@@ -105,9 +106,14 @@ const CommandCase kCases[] = {
     {"select {d}s.bin --all", 2, {kFull}, "/dev/full"},
     {"build {d}s.json -o -", 2, {kFull}, "/dev/full"},
     {"dump {d}s.bin -o /dev/full", 2, {"error: /dev/full: write failed: No space left on device"}},
-    {"", 2, {"A subcommand is required"}},
-    {"build {d}s.json", 2, {"--output is required"}},
-    {"select {d}s.bin --all --dnc 0", 2, {"--all excludes --dnc"}},
+    {"", 2, {"ispdsp-cfg: error: a command is required: build, dump, check, select, diff or plot"}},
+    {"bogus", 2, {"ispdsp-cfg: error: 'bogus' is not a command: build, dump, check, select, diff or plot"}},
+    {"build {d}s.json", 2, {"ispdsp-cfg: error: --output is missing"}},
+    {"select {d}s.bin --all --dnc 0", 2, {"--all and --dnc cannot be used together"}},
+    // An output: never an input (through a link either), an existing file only with --force.
+    {"build {d}s.json -o {d}s.bin", 2, {"error: {d}s.bin: exists; not replaced (--force replaces it)"}},
+    {"build {d}s.json -o {d}s.bin --force", 0, {"{d}s.bin: 10 tables, 88352 bytes"}},
+    {"dump {d}s.bin -o {d}link.bin --force", 2, {"error: {d}link.bin: is the input file {d}s.bin; not overwritten"}},
     {"--version", 0, {"ispdsp-cfg " ISPDSP_VERSION "\n"}},
     {"--help", 0, {"Exit status, for every command:"}},
 };

@@ -42,7 +42,7 @@ TEST(Check, EachValueOutsideItsRangeIsAWarningWithItsPlace) {
     const RunResult r = run([&](auto& out, auto& err) { return runCheck(dir.path("seeded.bin"), out, err); });
     EXPECT_EQ(r.status, kExitFindings);
     for (const Seeded& s : kSeeded)
-        EXPECT_NE(r.out.find(std::string("\nwarning: ") + s.expected + "\n"), std::string::npos) << s.expected;
+        EXPECT_NE(r.out.find("\nwarning: " + dir.path("seeded.bin") + ": " + s.expected + "\n"), std::string::npos) << s.expected;
     EXPECT_NE(r.out.find(": 0 errors, 7 warnings\n"), std::string::npos) << r.out;
 }
 

@@ -112,6 +112,7 @@ const std::pair<std::string, std::string> kMistakes[] = {  // source, message af
     {"{\"tables\": [{}]}", "tables[0]: missing \"type\""},
     {"{\"header\": {\"pdtName\": \"123456789012345678901234567890123\"}, \"tables\": [{\"type\": 0}]}", "header.pdtName: text is 33 bytes long; the field holds 32"},
     {"{\"table\": []}", "table: unknown field \"table\" (did you mean \"tables\"?)"},
+    {"{\"tables\": [{\"fusion\": [{\"ep_delta\": 1e400}]}]}", "line 1, column 38: JSON syntax error: the number '1e400' is too large"},
     {"{\"header\": {\"ver\": 82981.5}, \"tables\": [{\"type\": 0}]}", "not written: header ver = 82981.5 (the driver reads version 82981 only"},
 };
 // clang-format on

@@ -92,21 +92,29 @@ void Console::execute(const std::string& line, const std::vector<std::string>& a
 // "help" is no driver command: the driver answers any unknown name with its
 // menu and -1, which is what the user asked for here, so it is not a failure.
 void Console::showMenu(const std::string& line) {
+    reporter_.context().pipe = options_.pipe;
     reporter_.emit("console", Event{{"line", line}, {"args", {"help"}}, {"langue", options_.langue}});
     pair_.console(options_.pipe, {"help"}, options_.langue, "the driver's menu, as asked");
     reporter_.emit("note", Event{{"message", kConsoleCommandsHelp}});
 }
 
+// "save FILE" writes a new file; only "save --force FILE" replaces one.
 void Console::save(const std::string& line, const std::vector<std::string>& args) {
+    reporter_.context().pipe = options_.pipe;
     reporter_.emit("console", Event{{"line", line}, {"args", args}, {"langue", options_.langue}});
+    const bool force = args.size() == 3 && args[1] == "--force";
     const CFG_DspIspCfgTables* tables = pair_.tableSet(options_.pipe);
-    if (args.size() != 2 || tables == nullptr || !options_.tuningSource) {
-        reporter_.emit("error", Event{{"message", args.size() != 2 ? "usage: save FILE" : "no tuning to save"}});
+    if ((args.size() != 2 && !force) || tables == nullptr || !options_.tuningSource) {
+        reporter_.emit("error", Event{{"message", tables != nullptr && options_.tuningSource
+                                                      ? "usage: save FILE, or save --force FILE to replace it"
+                                                      : "no tuning to save"}});
         return;
     }
-    const SaveResult saved = saveTuning(*tables, *options_.tuningSource, args[1]);
+    const std::string& file = args.back();
+    const SaveResult saved =
+        saveTuning(*tables, *options_.tuningSource, file, {options_.runInputs, force, "save --force " + file});
     reporter_.emit(saved.ok ? "saved" : "error",
-                   Event{{"message", saved.message}, {"file", args[1]}, {"changedTables", saved.changedTables}});
+                   Event{{"message", saved.message}, {"file", file}, {"changedTables", saved.changedTables}});
 }
 
 ConsoleEnd Console::run(bool allowContinue) {

@@ -19,11 +19,13 @@ struct ConsoleOptions {
     int pipe = kColorPipe;
     Int32 langue = 0;  // 1: the driver prints its Chinese menu texts
     std::optional<std::string> tuningSource;  // the console pipe's parameter file, for "save FILE"
+    std::vector<std::string> runInputs;       // files "save" never writes
 };
 
 // The simulator's own console commands (the rest go to the driver).
 inline constexpr const char* kConsoleCommandsHelp =
-    "simulator commands: save FILE (the tuning with the accepted changes, as tuning.json), "
+    "simulator commands: save FILE (the tuning with the accepted changes, as tuning.json; "
+    "save --force FILE replaces an existing file), "
     "continue (resume the scenario with --console-every), quit or exit, help (this and the driver's menu)";
 
 enum class ConsoleEnd {

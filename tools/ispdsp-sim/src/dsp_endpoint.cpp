@@ -46,7 +46,15 @@ Event messageEvent(const char* dir, const DRV_dspIspCfgOpsCtrl* ctrl, const DSP_
     if (decoded.pathText) payload["cfg_path_text"] = *decoded.pathText;
     if (decoded.curve) payload["w_nir"] = byteTableSummary(*decoded.curve, g_endpoint.options.curves);
     if (decoded.strayBytes != 0) payload["stray"] = decoded.strayBytes;
-    if (Event outside = outOfRange(decoded); fromDriver && !outside.empty()) payload["outOfRange"] = outside;
+    if (Event outside = outOfRange(decoded); fromDriver && !outside.empty()) {
+        payload["outOfRange"] = outside;
+        if (decoded.type == DSP_AEW_CFG_TYPE_FUSION) {
+            payload["outOfRangeExpected"] = g_endpoint.reporter->context().pairStart
+                                                ? "zeros at the start of a linked pair"
+                                                : fusionDifferenceNote();
+            g_endpoint.reporter->countExpectedOutOfRange();
+        }
+    }
     if (fromDriver && decoded.type == DSP_AEW_CFG_TYPE_FUSION && g_endpoint.reporter->context().pairStart)
         payload["expected"] = pairStartMessageNote();
     return payload;

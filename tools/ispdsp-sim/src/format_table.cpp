@@ -27,7 +27,7 @@ constexpr const char* kLegend =
     "   \"(expected: ...)\" marks what the driver does by design; a summary closes the run.\n";
 
 std::string valueText(const Event& value) {
-    if (value.is_null()) return "null";
+    if (value.is_null()) return "-";  // not known or not set: readable output never says "null"
     if (value.is_string()) return value.get<std::string>();
     if (value.is_number_float()) {
         char text[32];
@@ -104,12 +104,17 @@ private:
         std::fprintf(out_, "== ispdsp-sim: scenario %s", valueText(e["scenario"]).c_str());
         if (!e.value("description", std::string()).empty())
             std::fprintf(out_, " - %s", e["description"].get<std::string>().c_str());
-        std::fprintf(out_, "\n   %s frames; library %s; tuning %s (%s bytes, crc32 %s)", valueText(e["frames"]).c_str(),
-                     valueText(e["library"]).c_str(), valueText(e["tuning"]["file"]).c_str(),
-                     valueText(e["tuning"]["bytes"]).c_str(), valueText(e["tuning"]["crc32"]).c_str());
+        std::fprintf(out_, "\n   %s frames; library %s; tuning %s", valueText(e["frames"]).c_str(),
+                     valueText(e["library"]).c_str(), fileText(e["tuning"]).c_str());
+        if (!e["monoTuning"].is_null()) std::fprintf(out_, "; mono tuning %s", fileText(e["monoTuning"]).c_str());
         std::fprintf(out_, "; calibration %s\n", e["calibration"].is_null() ? "none" : valueText(e["calibration"]).c_str());
         std::fputs(kLegend, out_);
         scenario_ = valueText(e["scenario"]);
+        plannedFrames_ = valueText(e["frames"]);
+    }
+
+    static std::string fileText(const Event& file) {
+        return valueText(file["file"]) + " (" + valueText(file["bytes"]) + " bytes, crc32 " + valueText(file["crc32"]) + ")";
     }
 
     void phase(const Event& e) { std::fprintf(out_, "-- %s\n", valueText(e["phase"]).c_str()); }
@@ -160,7 +165,10 @@ private:
             Event outside;
             for (const auto& [name, r] : e["outOfRange"].items())
                 outside[name] = valueText(r["value"]) + " (" + valueText(r["min"]) + ".." + valueText(r["max"]) + ")";
-            const std::string head = "! outside the DSP range: ";
+            const std::string head = e.contains("outOfRangeExpected")
+                                         ? "! outside the DSP range (expected: " +
+                                               e["outOfRangeExpected"].get<std::string>() + "): "
+                                         : "! outside the DSP range: ";
             std::fprintf(out_, "%s%s%s\n", kIndent.c_str(), head.c_str(),
                          wrapPairs(outside, kIndent.size() + head.size()).c_str());
         }
@@ -239,12 +247,19 @@ private:
         std::fprintf(out_, "   messages sent to the DSP:%s\n", sent.empty() ? " none" : sent.c_str());
         if (e.value("consoleChanges", 0) > 0)
             std::fprintf(out_, "   console changes accepted by the driver: %s\n", valueText(e["consoleChanges"]).c_str());
+        if (e.value("expectedOutOfRange", 0) > 0)
+            std::fprintf(out_, "   FUSION messages outside the DSP range by design (marked \"expected\"): %s\n",
+                         valueText(e["expectedOutOfRange"]).c_str());
         if (e.value("expectedResults", 0) > 0)
             std::fprintf(out_, "   -1 results by design (marked \"expected\"): %s\n", valueText(e["expectedResults"]).c_str());
         std::fprintf(out_, "   failed calls: %s\n", e["failedCalls"] == 0 ? "none" : valueText(e["failedCalls"]).c_str());
         for (const auto& f : e["failures"])
-            std::fprintf(out_, "     frame %s  %s  %s -> %s\n", valueText(f["frame"]).c_str(), valueText(f["pipe"]).c_str(),
-                         valueText(f["op"]).c_str(), valueText(f["ret"]).c_str());
+            std::fprintf(out_, "     %s  %s  %s -> %s\n",
+                         f["frame"].is_null() ? "setup" : ("frame " + valueText(f["frame"])).c_str(),
+                         valueText(f["pipe"]).c_str(), valueText(f["op"]).c_str(), valueText(f["ret"]).c_str());
+        if (e["interrupted"].is_string())
+            std::fprintf(out_, "   INTERRUPTED by %s after %s of %s frames: the run did not complete\n",
+                         valueText(e["interrupted"]).c_str(), valueText(e["frames"]).c_str(), plannedFrames_.c_str());
     }
 
     static std::string expectedText(const Event& e) {
@@ -254,6 +269,7 @@ private:
     std::FILE* out_;
     TableOptions options_;
     std::string scenario_;
+    std::string plannedFrames_;
     std::map<std::string, int64_t> framesBySource_;
 };
 

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "options.h"
 
@@ -14,5 +15,12 @@ namespace ispsim {
 // The first problem, as "--rlr PATH: seems to be an ISP parameter file, not an
 // RLR table file"; nothing when every file is fine.
 std::optional<std::string> checkInputFiles(const Options& options);
+
+// Every file the run reads: no output may be one of them.
+std::vector<std::string> runInputs(const Options& options);
+
+// The first output (-o, --save-tuning) that may not be written: one of the inputs, an
+// existing file without --force, the same file for both; nothing when both may be.
+std::optional<std::string> checkOutputFiles(const Options& options);
 
 }  // namespace ispsim

@@ -3,9 +3,11 @@
 // sandboxed device file system, creates a linked colour/mono pipe pair, runs
 // the frames of a scenario and shows what reaches the DSP.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
+#include "diagnostic.h"
 #include "driver_library.h"
 #include "options.h"
 
@@ -47,6 +49,18 @@ CLI::Validator countRange(int64_t min, int64_t max) {
         "INT in " + range);
 }
 
+// One of a few words, said in our words when it is not.
+CLI::Validator oneOf(std::vector<std::string> words) {
+    std::string list;
+    for (const std::string& w : words) list += (list.empty() ? "" : ", ") + w;
+    return CLI::Validator(
+        [=](std::string& text) -> std::string {
+            if (std::find(words.begin(), words.end(), text) != words.end()) return std::string();
+            return "'" + text + "' is not one of " + list;
+        },
+        "one of " + list);
+}
+
 constexpr const char* kFooter = R"(
 Each frame, for both pipes and operation by operation: OpSetModuleResults (the
 scenario's pSwitch), OpInterGainFlags, OpRefreshCfg, OpSetFusion. Every DSP
@@ -58,6 +72,11 @@ Console (--console, --console-every N): type aewDebug commands, for example
 followed by one more frame. "continue" resumes the scenario (--console-every),
 "quit" or "exit" end the run, end of input leaves the console.
 
+Outputs (-o, --save-tuning, the console's save): a file is written to a
+temporary file beside it and renamed into place only when complete; it is
+never one of the run's inputs; an existing file is replaced only with --force
+(on the console: save --force FILE).
+
 Exit status: 0 run completed, 1 library/sandbox/driver setup failed (or the
 output could not be written), 2 bad command line, scenario or input file (a
 directory, unreadable, or a file of another kind), 130 interrupted by SIGINT,
@@ -68,7 +87,7 @@ sandbox removed).)";
 
 int main(int argc, char** argv) {
     ispsim::Options options;
-    CLI::App app{"ispdsp-sim: host simulator for the ISP-DSP driver library (colour/mono fusion pair)"};
+    CLI::App app{"ispdsp-sim: host simulator for the ISP-DSP driver library (colour/mono fusion pair)", "ispdsp-sim"};
     app.footer(kFooter);
     app.set_version_flag("--version", std::string("ispdsp-sim ") + ISPDSP_VERSION);
 
@@ -113,6 +132,7 @@ int main(int argc, char** argv) {
     app.add_flag("--curves", options.curves, "all 511 NIR curve points");
     app.add_flag("--quiet-log", options.quietLog, "hide the driver's log lines");
     auto* outputOption = app.add_option("-o,--output", output, "write the results to a file (- for standard output)");
+    app.add_flag("--force", options.force, "replace the -o and --save-tuning files if they exist");
     app.add_flag("--console", options.console, "read aewDebug commands after the scenario");
     app.add_option("--console-every", options.consoleEvery, "read aewDebug commands every N frames")
         ->check(countRange(1, 1000000));
@@ -121,10 +141,10 @@ int main(int argc, char** argv) {
                                       "at the end, write the console pipe's tables, with the changes the driver "
                                       "accepted, as tuning.json (for ispdsp-cfg build)");
     app.add_option("--pipe", pipe, "pipe the console commands go to")
-        ->check(CLI::IsMember({"color", "mono"}))
+        ->check(oneOf({"color", "mono"}))
         ->capture_default_str();
     app.add_option("--lang", lang, "console language: en, or zh for the Chinese menu (langue 1)")
-        ->check(CLI::IsMember({"en", "zh"}))
+        ->check(oneOf({"en", "zh"}))
         ->capture_default_str();
     bool progressAlways = false;
     bool progressNever = false;
@@ -135,8 +155,10 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
-        const int status = app.exit(e);  // prints help or the error
-        return status == 0 ? ispsim::kExitOk : ispsim::kExitUsage;
+        if (e.get_exit_code() == 0) return app.exit(e);  // the help or the version
+        ispdsp::tools::ProgramMessages("ispdsp-sim")
+            << ispdsp::tools::plainError(ispdsp::tools::commandLineProblem(e.what(), "") + " (ispdsp-sim --help)");
+        return ispsim::kExitUsage;
     }
 
     if (rootOption->count() > 0) options.root = std::filesystem::absolute(root).string();

@@ -25,6 +25,7 @@ struct Options {
     bool curves = false;
     bool quietLog = false;
     std::optional<std::string> output;    // results file instead of standard output
+    bool force = false;                   // replace existing -o and --save-tuning files
     bool console = false;                 // console after the scenario
     int64_t consoleEvery = 0;             // console every N frames
     int consolePipe = kColorPipe;

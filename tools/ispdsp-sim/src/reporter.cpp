@@ -4,6 +4,7 @@
 
 #include "ispdsp_host/host.h"
 #include "names.h"
+#include "printable_text.h"
 #include "text_encoding.h"
 
 namespace ispsim {
@@ -13,13 +14,27 @@ Reporter::Reporter(std::unique_ptr<Formatter> formatter, bool showLog)
 
 Reporter::~Reporter() = default;
 
+namespace {
+
+// Every text of an event, with what a terminal must not receive escaped: the texts come from
+// files (scenario names, tuning texts), the console's input and the driver's log.
+Event printable(const Event& value) {
+    if (value.is_string()) return ispdsp::tools::printableText(value.get_ref<const std::string&>(), /*keepLineFeeds=*/true);
+    if (!value.is_structured()) return value;
+    Event out = value;
+    for (auto& [key, item] : out.items()) item = printable(item);
+    return out;
+}
+
+}  // namespace
+
 void Reporter::emit(const std::string& kind, const Event& payload) {
     Event event;
     event["event"] = kind;
     event["phase"] = context_.phase;
     event["frame"] = context_.frame >= 0 ? Event(context_.frame) : Event(nullptr);
     event["pipe"] = context_.pipe >= 0 ? Event(pipeName(context_.pipe)) : Event(nullptr);
-    for (const auto& [key, value] : payload.items()) event[key] = value;
+    for (const auto& [key, value] : payload.items()) event[key] = printable(value);
     errno = 0;
     formatter_->write(event);
     noteOutputError();
@@ -55,6 +70,9 @@ std::string pairStartMessageNote() {
     return "zeros: the combined record is still empty at the start of a linked pair, and is sent anyway";
 }
 std::string pairStartCallNote() { return "the start of a linked pair, not counted as a failure"; }
+std::string fusionDifferenceNote() {
+    return "the colour-mono difference: the driver combines the linked pipes so, by design";
+}
 
 void Reporter::beginOperation(int pipe, const std::string& op) {
     context_.pipe = pipe;
@@ -75,7 +93,8 @@ void Reporter::countFailure(const std::string& op, int32_t result) {
 Event Reporter::summary(int64_t frames) const {
     return Event{{"frames", frames},           {"messages", Event(messageCounts_)},
                  {"failedCalls", failures_},   {"failures", failureList_},
-                 {"expectedResults", expected_}, {"consoleChanges", consoleChanges_}};
+                 {"expectedResults", expected_}, {"expectedOutOfRange", expectedOutOfRange_},
+                 {"consoleChanges", consoleChanges_}};
 }
 
 void Reporter::finish() {

@@ -36,6 +36,9 @@ struct Context {
 std::string pairStartLogNote(int pipe);
 std::string pairStartMessageNote();
 std::string pairStartCallNote();
+// A combined FUSION message carries the colour pipe's values minus the mono pipe's, so a
+// value outside a field's DSP range there is the driver's design, not a fault.
+std::string fusionDifferenceNote();
 
 class Formatter {
 public:
@@ -76,6 +79,8 @@ public:
     void countFailure(const std::string& op, int32_t result);
     // A -1 that is the driver's design (the start of a pair, the menu).
     void countExpected() { ++expected_; }
+    // A FUSION message whose values are outside their range by design (fusionDifferenceNote).
+    void countExpectedOutOfRange() { ++expectedOutOfRange_; }
     // An aewDebug change the driver accepted.
     void countConsoleChange() { ++consoleChanges_; }
     const std::map<std::string, int64_t>& messageCounts() const { return messageCounts_; }
@@ -98,6 +103,7 @@ private:
     int64_t failures_ = 0;
     Event failureList_ = Event::array();
     int64_t expected_ = 0;
+    int64_t expectedOutOfRange_ = 0;
     int64_t consoleChanges_ = 0;
     int outputErrno_ = 0;
     void noteOutputError();  // keeps errno of the first failed write

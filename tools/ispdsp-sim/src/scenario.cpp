@@ -108,9 +108,16 @@ double numberOf(const json& value, const FieldRule& rule, const std::string& whe
         fail(where, "field '" + field + "': expected a number, got " + std::string(value.type_name()));
     }
     if (!std::isfinite(number) || number < rule.min || number > rule.max) {
-        std::ostringstream range;
-        range << "field '" << field << "': " << value.dump() << " is outside " << rule.min << ".." << rule.max;
-        fail(where, range.str());
+        // Whole-numbered fields show their limits as whole numbers (not 2.14748e+09).
+        const auto limit = [&](double v) {
+            std::ostringstream text;
+            if (rule.integer)
+                text << static_cast<int64_t>(v);
+            else
+                text << v;
+            return text.str();
+        };
+        fail(where, "field '" + field + "': " + value.dump() + " is outside " + limit(rule.min) + ".." + limit(rule.max));
     }
     if (rule.integer && number != std::floor(number)) fail(where, "field '" + field + "': expected a whole number, got " + value.dump());
     return number;
@@ -229,8 +236,9 @@ json readDocument(const std::string& text, const std::string& displayName) {
     try {
         // Comments are allowed so bundled scenarios can explain themselves.
         return json::parse(text, nullptr, true, /*ignore_comments=*/true);
-    } catch (const json::parse_error& e) {
-        const auto where = ispdsp::tools::describeJsonSyntaxError(text, e.byte, e.what());
+    } catch (const json::exception& e) {  // a syntax error, or a number too large (1e400)
+        const auto where = ispdsp::tools::findJsonSyntaxError(text).value_or(
+            ispdsp::tools::describeJsonSyntaxError(text, 0, e.what()));
         throw ScenarioError(displayName + ":" + std::to_string(where.line) + ":" + std::to_string(where.column) + ": " +
                             where.reason);
     }

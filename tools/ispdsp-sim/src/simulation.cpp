@@ -9,10 +9,12 @@
 #include <memory>
 
 #include "console.h"
+#include "diagnostic.h"
 #include "dsp_endpoint.h"
 #include "driver_library.h"
 #include "input_checks.h"
 #include "options.h"
+#include "output_file.h"
 #include "pipe_pair.h"
 #include "progress.h"
 #include "reporter.h"
@@ -35,7 +37,13 @@ std::string baseName(const std::string& path) {
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
-void complain(const std::string& text) { std::fprintf(stderr, "ispdsp-sim: %s\n", text.c_str()); }
+// Standard error: "ispdsp-sim: error: ..." for what went wrong, "ispdsp-sim: ..." for notes.
+std::ostream& messages() {
+    static ispdsp::tools::ProgramMessages stream("ispdsp-sim");
+    return stream;
+}
+void complain(const std::string& text) { messages() << ispdsp::tools::plainError(text); }
+void note(const std::string& text) { messages() << text << "\n"; }
 
 // Where the results go. The original standard output (or the --output file)
 // is kept for them, and file descriptor 1 is pointed at stderr: the driver's
@@ -43,15 +51,15 @@ void complain(const std::string& text) { std::fprintf(stderr, "ispdsp-sim: %s\n"
 // not break a stream of JSON lines.
 class ResultStream {
 public:
-    bool open(const std::optional<std::string>& path) {
+    bool open(const std::optional<std::string>& path, const ispdsp::tools::OutputRule& rule) {
         std::fflush(stdout);
         name_ = path ? *path : "standard output";
         if (path) {
-            file_ = std::fopen(path->c_str(), "w");
-            if (file_ == nullptr) {
-                complain("cannot write " + *path + ": " + std::strerror(errno));
+            if (!output_.open(*path, rule)) {
+                complain(output_.error());
                 return false;
             }
+            file_ = output_.stream();
             terminal_ = false;
         } else {
             const int fd = dup(STDOUT_FILENO);
@@ -65,16 +73,22 @@ public:
         dup2(STDERR_FILENO, STDOUT_FILENO);
         return true;
     }
-    // Flushes and closes; false, said on stderr, when anything written was
-    // lost (a full disk, /dev/full). A reader that went away (closed pipe)
-    // gets no message: nobody is reading any more.
+    // Flushes and closes (a file: renames it into place); false, said on stderr, when anything
+    // written was lost (a full disk, /dev/full). A reader that went away (closed pipe) gets no
+    // message: nobody is reading any more.
     bool close(int earlierErrno = 0) {
-        if (file_ == nullptr) return true;
-        errno = 0;
-        const bool flushed = std::fflush(file_) == 0 && std::ferror(file_) == 0;
-        const int error = earlierErrno != 0 ? earlierErrno : errno;
-        const bool closed = std::fclose(file_) == 0;
+        std::FILE* file = file_;
+        if (file == nullptr) return true;
         file_ = nullptr;
+        if (output_.stream() != nullptr) {
+            if (output_.commit(earlierErrno)) return true;
+            complain("cannot write the results: " + output_.error());
+            return false;
+        }
+        errno = 0;
+        const bool flushed = std::fflush(file) == 0 && std::ferror(file) == 0;
+        const int error = earlierErrno != 0 ? earlierErrno : errno;
+        const bool closed = std::fclose(file) == 0;
         if (flushed && closed) return true;
         if (error != EPIPE)
             complain("cannot write the results to " + name_ + ": " + (error != 0 ? std::strerror(error) : "write error"));
@@ -86,6 +100,7 @@ public:
 
 private:
     std::FILE* file_ = nullptr;
+    ispdsp::tools::OutputFile output_;  // the -o file; standard output otherwise
     std::string name_;
     bool terminal_ = false;
 };
@@ -171,16 +186,24 @@ void loadRlr(const DriverApi& api, Reporter& reporter) {
 void explainFailure(const PipePair& pair, const Options& options) {
     complain(pair.failure());
     if (!pair.failureLog().empty()) {
-        complain("the driver logged:");
+        note("the driver logged:");
         for (const std::string& line : pair.failureLog()) {
-            std::string text = displayText(line);
+            std::string text = line;
             while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-            std::fprintf(stderr, "  %s\n", text.c_str());
+            note("  " + displayText(text));
         }
     }
     if (pair.failure().find("DRV_dspIspCreateX") != std::string::npos)
-        complain("check the tuning file " + options.tuning + " (placed at " +
-                 (options.monoTuning ? pipeTuningDevicePath(kColorPipe) : tuningDevicePath()) + ")");
+        note("check the tuning file " + options.tuning + " (placed at " +
+             (options.monoTuning ? pipeTuningDevicePath(kColorPipe) : tuningDevicePath()) + ")");
+}
+
+// The files the console's save never writes: the inputs and the run's own outputs.
+std::vector<std::string> consoleKeeps(const Options& options) {
+    std::vector<std::string> files = runInputs(options);
+    for (const auto* path : {&options.output, &options.saveTuning})
+        if (*path) files.push_back(**path);
+    return files;
 }
 
 // The parameter file the console pipe loaded.
@@ -191,7 +214,8 @@ std::string consoleTuning(const Options& options) {
 bool saveAtExit(const PipePair& pair, const Options& options, Reporter& reporter) {
     reporter.context().phase = "save";
     const CFG_DspIspCfgTables* tables = pair.tableSet(options.consolePipe);
-    const SaveResult saved = tables != nullptr ? saveTuning(*tables, consoleTuning(options), *options.saveTuning)
+    const SaveResult saved = tables != nullptr ? saveTuning(*tables, consoleTuning(options), *options.saveTuning,
+                                                            {runInputs(options), options.force})
                                                : SaveResult{false, 0, "cannot save: no table set"};
     reporter.emit(saved.ok ? "saved" : "error",
                   Event{{"message", saved.message}, {"file", *options.saveTuning}, {"changedTables", saved.changedTables}});
@@ -206,10 +230,14 @@ int runSimulation(const Options& options) {
     try {
         scenario = loadScenario(options.scenario, options.frames);
     } catch (const ScenarioError& e) {
-        complain(std::string("bad scenario: ") + e.what());
+        complain(e.what());
         return kExitUsage;
     }
     if (const auto problem = checkInputFiles(options)) {
+        complain(*problem);
+        return kExitUsage;
+    }
+    if (const auto problem = checkOutputFiles(options)) {
         complain(*problem);
         return kExitUsage;
     }
@@ -233,10 +261,10 @@ int runSimulation(const Options& options) {
         complain(e.what());
         return kExitRunFailed;
     }
-    if (options.keepRoot && !options.root) complain("sandbox root kept at " + sandbox->root());
+    if (options.keepRoot && !options.root) note("sandbox root kept at " + sandbox->root());
 
     ResultStream results;
-    if (!results.open(options.output)) return kExitRunFailed;
+    if (!results.open(options.output, {runInputs(options), options.force})) return kExitRunFailed;
     installStopHandlers();
     std::unique_ptr<Formatter> formatter = options.json ? makeJsonFormatter(results.file())
                                                         : makeTableFormatter(results.file(), TableOptions{options.curves});
@@ -263,7 +291,7 @@ int runSimulation(const Options& options) {
             pair.runFrame(input, framesRun++, source);
             last = input;
         };
-        Console console(pair, reporter, ConsoleOptions{options.consolePipe, options.langue, consoleTuning(options)},
+        Console console(pair, reporter, ConsoleOptions{options.consolePipe, options.langue, consoleTuning(options), consoleKeeps(options)},
                         [&] { runFrame(last, "console", "console"); });
 
         const bool showProgress =
@@ -290,7 +318,7 @@ int runSimulation(const Options& options) {
         progress.finish();
         if (options.console && consoleOpen && !quit) console.run(/*allowContinue=*/false);
         if (stopRequested()) {
-            complain("interrupted: stopping the pipes");
+            note(std::string("interrupted by ") + stopSignalName() + ": stopping the pipes");
             status = kExitInterrupted;
         } else if (reporter.outputFailed()) {
             status = kExitRunFailed;  // the reader went away (closed pipe)
@@ -303,7 +331,9 @@ int runSimulation(const Options& options) {
     reporter.context().phase = "teardown";
     reporter.emit("phase", Event::object());
     pair.teardown();
-    reporter.emit("end", reporter.summary(framesRun));
+    Event summary = reporter.summary(framesRun);
+    summary["interrupted"] = status == kExitInterrupted ? Event(stopSignalName()) : Event(false);
+    reporter.emit("end", summary);
     reporter.finish();
     removeDspEndpoint();
     if (!results.close(reporter.outputErrno()) && status == kExitOk) status = kExitRunFailed;

@@ -2,13 +2,12 @@
 
 #include <signal.h>
 
-
 namespace ispsim {
 
 namespace {
 volatile sig_atomic_t g_stop = 0;
 
-void onStop(int) { g_stop = 1; }
+void onStop(int signal) { g_stop = signal; }
 }  // namespace
 
 void installStopHandlers() {
@@ -23,5 +22,14 @@ void installStopHandlers() {
 }
 
 bool stopRequested() { return g_stop != 0; }
+
+const char* stopSignalName() {
+    switch (g_stop) {
+        case SIGINT: return "SIGINT";
+        case SIGTERM: return "SIGTERM";
+        case SIGHUP: return "SIGHUP";
+        default: return "none";
+    }
+}
 
 }  // namespace ispsim

@@ -9,5 +9,7 @@ namespace ispsim {
 // restarted); SIGPIPE is ignored so a closed pipe shows as a write error.
 void installStopHandlers();
 bool stopRequested();
+// "SIGINT", "SIGTERM" or "SIGHUP": the signal that asked to stop ("none" before one came).
+const char* stopSignalName();
 
 }  // namespace ispsim

@@ -50,7 +50,8 @@ int copyLiveTables(const CFG_DspIspCfgTables& tables, ispcfg::ParamFileImage& im
 
 }  // namespace
 
-SaveResult saveTuning(const CFG_DspIspCfgTables& tables, const std::string& sourceFile, const std::string& jsonPath) {
+SaveResult saveTuning(const CFG_DspIspCfgTables& tables, const std::string& sourceFile, const std::string& jsonPath,
+                      const ispdsp::tools::OutputRule& rule) {
     SaveResult result;
     const ispdsp::tools::InputFile source = ispdsp::tools::readInputFile(sourceFile);
     if (!source.ok()) {
@@ -70,7 +71,7 @@ SaveResult saveTuning(const CFG_DspIspCfgTables& tables, const std::string& sour
         result.message = "cannot save: " + error;
         return result;
     }
-    if (!ispcfg::writeFileBytes(jsonPath, std::vector<uint8_t>(json->text.begin(), json->text.end()), error)) {
+    if (!ispdsp::tools::writeOutputFile(jsonPath, json->text, rule, error)) {
         result.message = "cannot save: " + error;
         return result;
     }

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "ispdsp/param_table.h"
+#include "output_file.h"
 
 namespace ispsim {
 
@@ -18,7 +19,9 @@ struct SaveResult {
     std::string message;  // what was written, or why nothing was
 };
 
-// `sourceFile` is the parameter file the instance loaded; `tables` its live table set.
-SaveResult saveTuning(const CFG_DspIspCfgTables& tables, const std::string& sourceFile, const std::string& jsonPath);
+// `sourceFile` is the parameter file the instance loaded; `tables` its live table set;
+// `rule`: the run's inputs and whether an existing file may be replaced.
+SaveResult saveTuning(const CFG_DspIspCfgTables& tables, const std::string& sourceFile, const std::string& jsonPath,
+                      const ispdsp::tools::OutputRule& rule);
 
 }  // namespace ispsim

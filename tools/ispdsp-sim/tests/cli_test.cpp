@@ -28,12 +28,12 @@ struct CliCase {
 
 // A scenario with an error: the message names the file and the place.
 CliCase bad(const char* text, const std::string& where) {
-    return {{"{tmp}s.json"}, 2, "bad scenario: {tmp}s.json" + where, text};
+    return {{"{tmp}s.json"}, 2, "ispdsp-sim: error: {tmp}s.json" + where, text};
 }
 
 // clang-format off
 const CliCase kCases[] = {
-    {{"{tmp}"}, 2, "bad scenario: {tmp}: is a directory, not a file"},
+    {{"{tmp}"}, 2, "ispdsp-sim: error: {tmp}: is a directory, not a file"},
     {{"--tuning", "{tmp}", "{scenario}"}, 2, "--tuning {tmp}: is a directory, not a file"},
     {{"--tuning", "{tmp}no.bin"}, 2, "--tuning {tmp}no.bin: cannot open: No such file"},
     {{"--rlr", "{sample}dsp_isp_para.bin"}, 2, "--rlr {sample}dsp_isp_para.bin: seems to be an ISP parameter file, not an RLR table file"},
@@ -41,8 +41,13 @@ const CliCase kCases[] = {
     {{"--calibration", "{sample}nir.txt"}, 2, "seems to be NIR curve text"},
     {{"--console-every", "0"}, 2, "'0' is not a whole number from 1 to 1000000"},
     {{"--frames", "-1"}, 2, "from 0 to 1000000"},
-    {{"--pipe", "left"}, 2, "--pipe"},
-    {{"--frames", "1", "-o", "/dev/full"}, 1, "cannot write the results to /dev/full: No space left on device"},
+    {{"--pipe", "left"}, 2, "ispdsp-sim: error: --pipe: 'left' is not one of color, mono"},
+    // An output is never an input, and replaces an existing file only with --force.
+    {{"{tmp}s.json", "-o", "{tmp}s.json"}, 2, "-o {tmp}s.json: is the input file {tmp}s.json; not overwritten", "{}"},
+    {{"{tmp}s.json", "--save-tuning", "{tmp}s.json", "--force"}, 2, "--save-tuning {tmp}s.json: is the input file", "{}"},
+    {{"--frames", "0", "-o", "{tmp}s.json"}, 2, "-o {tmp}s.json: exists; not replaced (--force replaces it)", "{}"},
+    {{"--frames", "0", "-o", "{tmp}s.json", "--force"}, 0, "", "{}"},
+    {{"--frames", "1", "-o", "/dev/full"}, 1, "cannot write the results: /dev/full: write failed: No space left on device"},
     {{"--frames", "0", "--json", "-o", "-"}, 0, "{\"event\":\"run\""},
     {{"--version"}, 0, "ispdsp-sim "},
     {{"--lib", "{tmp}libispdsp.so"}, 1, "cannot load the driver library {tmp}libispdsp.so: "},
@@ -58,6 +63,8 @@ const CliCase kCases[] = {
     bad(R"({"keyframes": [{"frame": 0, "gain": {"from": 0, "to": 3}}]})", ": keyframes[0] (frame 0): field 'gain': ramps"),
     bad(R"({"defaults": {"gain": 2, "interCoff": 0.5}})", ": defaults: field 'gain' cannot stand beside"),
     bad(R"({"segments": [{"frames": 1, "zoom": 1.5}]})", ": segments[0] (frame 0): field 'zoom': expected a whole number"),
+    bad(R"({"defaults": {"zoom": 3e9}})", ": defaults: field 'zoom': 3000000000.0 is outside -2147483648..2147483647"),
+    bad(R"({"frames": 1e400})", ":1:12: the number '1e400' is too large"),
     bad(R"({"segments": [{"frames": 2}, {"gain": 1}]})", ": segments[1] (from frame 2): missing field 'frames'"),
 };
 // clang-format on
@@ -93,8 +100,8 @@ TEST(Errors, BadTuningFileShowsTheDriversLog) {
     EXPECT_EQ(events.back()["event"], "end");
 }
 
-// A closed terminal (SIGHUP) while the console waits: the run stops like on Ctrl-C, and the
-// temporary sandbox (under TMPDIR) is gone.
+// A closed terminal (SIGHUP) while the console waits: the run stops like on Ctrl-C, says so at
+// its end, and the temporary sandbox (under TMPDIR) is gone.
 TEST(Signals, HangUpRemovesTheSandbox) {
     simtest::TempDir tmp;
     const std::string script =
@@ -102,13 +109,32 @@ TEST(Signals, HangUpRemovesTheSandbox) {
                   // The console waits on a FIFO that the script holds open, so the simulator is
                   // the script's own child and the signal, not the end of its input, stops it.
                   "export TMPDIR=\"$1\"; mkfifo \"$1/in\"\n"
-                  "\"$2\" --console --frames 1 <\"$1/in\" >/dev/null 2>&1 & sim=$!; exec 3>\"$1/in\"\n"
+                  "\"$2\" --console --frames 1 --json -o \"$1/out\" <\"$1/in\" >/dev/null 2>&1 & sim=$!; exec 3>\"$1/in\"\n"
                   "for i in $(seq 100); do ls \"$1\" | grep -q ispdsp-sim- && break; sleep 0.1; done\n"
                   "sleep 0.5; kill -HUP $sim; wait $sim; echo $? >\"$1/status\"; exec 3>&-; rm \"$1/in\" \"$1/hup.sh\"\n"s);
     ASSERT_EQ(std::system(("bash '" + script + "' '" + tmp.path("") + "' '" + ISPDSP_SIM_EXE + "'").c_str()), 0);
     EXPECT_EQ(simtest::readFile(tmp.path("status")), "130\n");
+    EXPECT_EQ(simtest::parseLines(simtest::readFile(tmp.path("out"))).back()["interrupted"], "SIGHUP");
     std::filesystem::remove(tmp.path("status"));
+    std::filesystem::remove(tmp.path("out"));
     EXPECT_TRUE(std::filesystem::is_empty(tmp.path(""))) << "a sandbox is left";
+}
+
+// Bytes from a file reach the terminal escaped: a product name holding ESC [ 3 1 m and BEL, as
+// the driver logs it, in the table and in JSON lines.
+TEST(Printable, ControlBytesFromTheTuningFileAreEscaped) {
+    simtest::TempDir tmp;
+    std::string source = simtest::readFile(simtest::samplePath("tuning.json"));
+    source.replace(source.find("\"dual-sensor-nir-bullet\""), 24, R"({"hex": "411b5b33316d0742"})");
+    const std::string build = simtest::quote(ISPDSP_CFG_EXE) + " build " + tmp.write("t.json", source) + " -o " +
+                              tmp.path("t.bin");
+    ASSERT_EQ(tooltest::runShell(build).status, 0);
+    for (const char* format : {"--curves", "--json"}) {
+        const simtest::SimResult run = simtest::runSim({format, "--frames", "1", "--tuning", tmp.path("t.bin")});
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(run.out.find_first_of("\x1b\x07"), std::string::npos) << format;
+        EXPECT_TRUE(contains(run.out, "x1B[31m")) << format;  // JSON doubles the backslash
+    }
 }
 
 // The installed tool stands alone: install, copy the prefix elsewhere, remove the original,

@@ -56,14 +56,15 @@ TEST(Console, EveryNFramesPausesUntilContinueOrExit) {
 // its lower bound and then past its upper bound (clamped) gives M - 1 and 16383 - M for the mono
 // pipe's unchanged value M: their sum is 16382 whatever M is. Values the driver reads differently
 // are named before they reach it, help is the menu and no failure, and "save" writes a
-// tuning.json that ispdsp-cfg rebuilds into the sample plus exactly the accepted changes. Frame 2
+// tuning.json (replacing a file only as "save --force") that ispdsp-cfg rebuilds into the sample plus exactly the accepted changes. Frame 2
 // of the gain sweep blends records 2 and 3.
 TEST(Console, TunesWarnsExplainsAndSavesWhatWasTuned) {
     simtest::TempDir dir;
     const std::string saved = dir.path("tuned.json");
     const std::vector<Json> events = simtest::runJson(
         {"--frames", "3", "--console", "--save-tuning", dir.path("end.json"), simtest::scenarioPath("gain_sweep")},
-        "ep_delta 1\naewDebug ep_delta 20000\nnir_k abc\nuv_w 7x\nhelp\nsave " + saved + "\n");
+        "ep_delta 1\naewDebug ep_delta 20000\nnir_k abc\nuv_w 7x\nhelp\nsave " + saved + "\nsave " + saved +
+            "\nsave --force " + saved + "\n");
     const auto frames = simtest::eventsOf(events, "frame");
     ASSERT_EQ(frames.size(), 7u);  // three scenario frames, one per accepted change
     EXPECT_EQ(frames[3]["source"], "console");
@@ -85,7 +86,11 @@ TEST(Console, TunesWarnsExplainsAndSavesWhatWasTuned) {
     EXPECT_EQ(events.back()["failedCalls"], 0);
     EXPECT_EQ(events.back()["consoleChanges"], 4);  // one flag request per accepted change
     EXPECT_TRUE(simtest::messagesOf(events, "FUSION", "color")[0].contains("expected"));
-    ASSERT_EQ(simtest::eventsOf(events, "saved").size(), 2u);
+    // A file is replaced only by the confirming form; every console line names its pipe.
+    ASSERT_EQ(simtest::eventsOf(events, "saved").size(), 3u);
+    EXPECT_EQ(simtest::eventsOf(events, "error").at(0)["message"],
+              "cannot save: " + saved + ": exists; not replaced (save --force " + saved + " replaces it)");
+    EXPECT_EQ(simtest::eventsOf(events, "console", "color").size(), simtest::eventsOf(events, "console").size());
     EXPECT_EQ(simtest::readFile(saved), simtest::readFile(dir.path("end.json")));
 
     const std::string cfg = simtest::quote(ISPDSP_CFG_EXE);
