@@ -13,6 +13,7 @@
 
 #include "api/driver_host.h"
 #include "api/fusion_fields.h"
+#include "support/nir_curve_text.h"
 
 namespace {
 
@@ -205,16 +206,13 @@ TEST_F(DriverConsole, RunParamPrintsTheRunStateAndSendsNoFlag) {
 }
 
 // The curve command loads /tmp/nir.txt into both records (without it:
-// CommandLines).
+// CommandLines; the file format: fusion_debug_test.cpp).
 TEST_F(DriverConsole, NirCurveFromFile) {
-    std::string text;
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) text += std::to_string(i % 256) + (i % 13 == 12 ? ",\n" : ",");
-    text.back() = '\n';
-    sandbox.writeFile("/tmp/nir.txt", text);
+    sandbox.writeFile("/tmp/nir.txt", ispdsp_test::nirCurveText());  // point i is i * 5 % 256, the last 7
     EXPECT_EQ(run({"w_nir", "3"}), 0);
     EXPECT_EQ(pipe.flags.size(), 1u);
     for (int i = 0; i < FUSION_NIR_POINTS; ++i)
-        ASSERT_TRUE(records[kStart].w_nir[i] == i % 256 && records[kEnd].w_nir[i] == i % 256) << i;
+        ASSERT_TRUE(records[kStart].w_nir[i] == (i < 510 ? i * 5 % 256 : 7) && records[kEnd].w_nir[i] == records[kStart].w_nir[i]) << i;
 }
 
 // An unknown name: a warning, the usage line and the menu in the chosen
