@@ -111,7 +111,6 @@ TEST_F(DriverLifecycle, ParameterFileFallbackRegistrationAndFailures) {
         {{}, good, {}, 0, 0, LogKind::Info, "", "DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"},
         {corrupt, good, {}, 0, 0, LogKind::Info, "", "DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"},
         {good, {}, {2, 3}, 2, 0, LogKind::Info, "", "DRV_ispRegistrateCfgLoad sucess!\n"},
-        {good, {}, {1, 2, 3}, 1, 0, LogKind::Info, "", "DRV_ispRegistrateCfgLoad sucess!\n"},
         {{}, {}, {}, 0, -1, LogKind::Error, "DRV_dspIspCreateX",
          "DRV_ispCfgLoad /var/tmp/3/dsp_isp_para.bin failed!\n"},
         {corrupt, corrupt, {}, 0, -1, LogKind::Error, "DRV_dspIspCreateX",

@@ -170,27 +170,6 @@ TEST_F(RobustFault, CreationFromThePipeFileEndsCleanlyWhicheverAllocationFails) 
     });
 }
 
-TEST_F(RobustFault, ParamFileLoaderEndsCleanlyWhenItsAllocationFails) {
-    sandbox.writeFile(driver_test::kCommonParamFile, ParamFileBuilder().addTable(PARAM_MULTICOLOR).build());
-    sandbox.writeFile(kPipeFile1, paramFile());
-    MemGuard guard;
-    CFG_IspParamTable header{};
-    Ptr buffer = nullptr;
-    const auto load = [&](const char* path) { return DRV_ispCfgLoad(path, ISPDSP_PARAM_FILE_VERSION, &header, &buffer); };
-    // A fresh header and no buffer: the block's buffer cannot be taken (the reader's own -1).
-    const auto read = [&] {
-        return DRV_ispCfgReadCheckParam(driver_test::kCommonParamFile, ISPDSP_PARAM_FILE_VERSION, &header, &buffer); };
-    EXPECT_EQ(withFault<FailAllocAfter>(read, 1), -1);
-    EXPECT_EQ(buffer, nullptr);
-    // A second load that needs more room releases the first buffer before
-    // asking for the new one: when that fails, no buffer is left.
-    ASSERT_EQ(load(driver_test::kCommonParamFile), 0);
-    log.clear();
-    EXPECT_EQ(withFault<FailAllocAfter>([&] { return load(kPipeFile1); }, 1), -1);
-    EXPECT_EQ(buffer, nullptr);
-    EXPECT_EQ(logged(kParamMalloc), 1u);
-}
-
 // The NIR curve loader: its buffer fails (both languages of the command), then
 // every read cut; a cut file loads only when the last value was read.
 TEST_F(RobustFault, NirCurveLoaderEndsCleanlyOnEveryFault) {
