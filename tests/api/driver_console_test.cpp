@@ -75,7 +75,7 @@ bool toGbk(std::string utf8, std::string& gbk) {
 constexpr Int32 kStart = 3, kEnd = 5;
 constexpr int32_t kUnchanged = INT32_MIN;
 
-class DriverConsole : public testing::Test {
+class DriverConsole : public driver_test::DriverTest {
 protected:
     void SetUp() override {
         sandbox.writeFile(driver_test::kCommonParamFile, ParamFileBuilder()
@@ -97,9 +97,6 @@ protected:
         return pipe.console(&cmd.record, langue);
     }
 
-    ispdsp_test::Sandbox sandbox;
-    ispdsp_test::LogCapture log;
-    ispdsp_test::DspCapture dsp;
     HostPipe pipe{1};
     CFG_DSP_FusionV2722* records = nullptr;
     CFG_DSP_FusionV2722 original[FUSION_GAIN_STEPS];

@@ -19,16 +19,13 @@ using ispdsp_test::LogKind;
 using ispdsp_test::MemGuard;
 using ispdsp_test::ParamFileBuilder;
 
-class DriverLifecycle : public testing::Test {
+class DriverLifecycle : public driver_test::DriverTest {
 protected:
     // The parameter-file table (a sandbox per row) and the refresh case write their own files.
     void SetUp() override {
         sandbox.writeFile(driver_test::kCommonParamFile,
                           ParamFileBuilder().addTable(PARAM_MULTICOLOR).addTable(PARAM_BLACKWHITE).build());
     }
-    ispdsp_test::Sandbox sandbox;
-    ispdsp_test::LogCapture log;
-    ispdsp_test::DspCapture dsp;
 };
 
 TEST_F(DriverLifecycle, CreationFillsTheTableAndTheInstance) {

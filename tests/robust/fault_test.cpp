@@ -52,7 +52,7 @@ Int32 withFault(Call call, FaultArgs... faultArgs) {
     return call();
 }
 
-class RobustFault : public testing::Test {
+class RobustFault : public driver_test::DriverTest {
 protected:
     size_t logged(const ExpectedLine& line) const { return log.count(line.kind, line.function, line.message); }
 
@@ -126,9 +126,6 @@ protected:
         }
     }
 
-    ispdsp_test::Sandbox sandbox;
-    ispdsp_test::LogCapture log;
-    ispdsp_test::DspCapture dsp;
 };
 
 // Registration files in /var/tmp/ and /var/: a failure while reading the first
