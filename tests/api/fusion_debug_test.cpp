@@ -125,32 +125,23 @@ std::vector<std::string> counting(int modulus = 200) {
 
 class NirFile : public ::testing::Test {
 protected:
-    NirFile() {
-        for (auto& r : records) std::memset(&r, 0x5A, sizeof r);
-        gain.gainStartIndex = kStart;
-        gain.gainEndIndex = kEnd;
-    }
     // Loads `text`: on success both curves must be `want` and nothing else may change, on
     // failure nothing at all; nothing leaks and the file is closed.
     void expectLoad(const std::string& text, Int32 result, const std::vector<Uint8>& want = {}) {
         sandbox.writeFile("/tmp/nir.txt", text);
-        auto expected = records;
-        for (int r : {kStart, kEnd}) {
-            if (result == 0) std::memcpy(expected[r].w_nir, want.data(), FUSION_NIR_POINTS);
+        auto expected = r.rec;
+        for (int k : {kStart, kEnd}) {
+            if (result == 0) std::memcpy(expected[k].w_nir, want.data(), FUSION_NIR_POINTS);
         }
-        ispdsp_test::MemGuard mem;
+        MemGuard mem;
         log.clear();
-        EXPECT_EQ(DRV_dspdbgFusionNir(records.data(), &gain, 0, 0), result);
-        if (result == 0) {
-            EXPECT_EQ(std::vector<Uint8>(records[kStart].w_nir, records[kStart].w_nir + FUSION_NIR_POINTS), want);
-        }
-        for (int r = 0; r < FUSION_GAIN_STEPS; ++r)
-            EXPECT_EQ(std::memcmp(&records[r], &expected[r], sizeof records[r]), 0) << "record " << r;
+        EXPECT_EQ(r.loadNir(), result);
+        for (int k = 0; k < FUSION_GAIN_STEPS; ++k)
+            EXPECT_EQ(std::memcmp(&r.rec[k], &expected[k], sizeof expected[k]), 0) << "record " << k;
     }
-    std::array<CFG_DSP_FusionV2722, FUSION_GAIN_STEPS> records;
-    DRV_gainInterParam gain{};
-    ispdsp_test::Sandbox sandbox;
-    ispdsp_test::LogCapture log;
+    Records r{kStart, kEnd};
+    Sandbox sandbox;
+    LogCapture log;
 };
 
 // The curve command writes the curve of both blended records, nothing else,
