@@ -13,6 +13,7 @@
 
 #include "api/driver_host.h"
 #include "api/fusion_fields.h"
+#include "support/nir_curve_text.h"
 
 namespace {
 
@@ -74,7 +75,7 @@ bool toGbk(std::string utf8, std::string& gbk) {
 constexpr Int32 kStart = 3, kEnd = 5;
 constexpr int32_t kUnchanged = INT32_MIN;
 
-class DriverConsole : public testing::Test {
+class DriverConsole : public driver_test::DriverTest {
 protected:
     void SetUp() override {
         sandbox.writeFile(driver_test::kCommonParamFile, ParamFileBuilder()
@@ -96,9 +97,6 @@ protected:
         return pipe.console(&cmd.record, langue);
     }
 
-    ispdsp_test::Sandbox sandbox;
-    ispdsp_test::LogCapture log;
-    ispdsp_test::DspCapture dsp;
     HostPipe pipe{1};
     CFG_DSP_FusionV2722* records = nullptr;
     CFG_DSP_FusionV2722 original[FUSION_GAIN_STEPS];
@@ -205,16 +203,13 @@ TEST_F(DriverConsole, RunParamPrintsTheRunStateAndSendsNoFlag) {
 }
 
 // The curve command loads /tmp/nir.txt into both records (without it:
-// CommandLines).
+// CommandLines; the file format: fusion_debug_test.cpp).
 TEST_F(DriverConsole, NirCurveFromFile) {
-    std::string text;
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) text += std::to_string(i % 256) + (i % 13 == 12 ? ",\n" : ",");
-    text.back() = '\n';
-    sandbox.writeFile("/tmp/nir.txt", text);
+    sandbox.writeFile("/tmp/nir.txt", ispdsp_test::nirCurveText());  // point i is i * 5 % 256, the last 7
     EXPECT_EQ(run({"w_nir", "3"}), 0);
     EXPECT_EQ(pipe.flags.size(), 1u);
     for (int i = 0; i < FUSION_NIR_POINTS; ++i)
-        ASSERT_TRUE(records[kStart].w_nir[i] == i % 256 && records[kEnd].w_nir[i] == i % 256) << i;
+        ASSERT_TRUE(records[kStart].w_nir[i] == (i < 510 ? i * 5 % 256 : 7) && records[kEnd].w_nir[i] == records[kStart].w_nir[i]) << i;
 }
 
 // An unknown name: a warning, the usage line and the menu in the chosen

@@ -49,7 +49,7 @@ void calculateOwn(const CFG_DspIspCfgParam& table, DRV_gainInterParam gain, Int3
 // The switch word of the FSSWITCH message for the standby switch values 0..3.
 constexpr Uint32 kOutputMode[] = {DSP_OUTPUT_VIS, DSP_OUTPUT_FUSE, DSP_OUTPUT_NIR_CAL, DSP_OUTPUT_FUSE_INVALID};
 
-class DriverFusion : public testing::Test {
+class DriverFusion : public driver_test::DriverTest {
 protected:
     void SetUp() override { dsp.followAddresses(true); }
 
@@ -93,9 +93,6 @@ protected:
         return indexes;
     }
 
-    ispdsp_test::Sandbox sandbox;
-    ispdsp_test::LogCapture log;
-    ispdsp_test::DspCapture dsp;
     HostPipe colour{kColourPipe};
     HostPipe mono{kMonoPipe};
 };

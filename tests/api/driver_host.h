@@ -49,6 +49,14 @@ inline CFG_DspIspCfgParam fusionTable(uint32_t variant, Uint32 fusionFlag = 1) {
     return table;
 }
 
+// The base of the driver tests: their own device files, log and DSP.
+class DriverTest : public testing::Test {
+protected:
+    ispdsp_test::Sandbox sandbox;
+    ispdsp_test::LogCapture log;
+    ispdsp_test::DspCapture dsp;
+};
+
 // One flag call as the host's callback received it.
 struct FlagCall {
     Ptr privData;

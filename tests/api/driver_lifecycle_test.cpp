@@ -19,16 +19,13 @@ using ispdsp_test::LogKind;
 using ispdsp_test::MemGuard;
 using ispdsp_test::ParamFileBuilder;
 
-class DriverLifecycle : public testing::Test {
+class DriverLifecycle : public driver_test::DriverTest {
 protected:
     // The parameter-file table (a sandbox per row) and the refresh case write their own files.
     void SetUp() override {
         sandbox.writeFile(driver_test::kCommonParamFile,
                           ParamFileBuilder().addTable(PARAM_MULTICOLOR).addTable(PARAM_BLACKWHITE).build());
     }
-    ispdsp_test::Sandbox sandbox;
-    ispdsp_test::LogCapture log;
-    ispdsp_test::DspCapture dsp;
 };
 
 TEST_F(DriverLifecycle, CreationFillsTheTableAndTheInstance) {
@@ -111,7 +108,6 @@ TEST_F(DriverLifecycle, ParameterFileFallbackRegistrationAndFailures) {
         {{}, good, {}, 0, 0, LogKind::Info, "", "DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"},
         {corrupt, good, {}, 0, 0, LogKind::Info, "", "DRV_ispCfgLoad /var/tmp/dsp_isp_para.bin failed!\n"},
         {good, {}, {2, 3}, 2, 0, LogKind::Info, "", "DRV_ispRegistrateCfgLoad sucess!\n"},
-        {good, {}, {1, 2, 3}, 1, 0, LogKind::Info, "", "DRV_ispRegistrateCfgLoad sucess!\n"},
         {{}, {}, {}, 0, -1, LogKind::Error, "DRV_dspIspCreateX",
          "DRV_ispCfgLoad /var/tmp/3/dsp_isp_para.bin failed!\n"},
         {corrupt, corrupt, {}, 0, -1, LogKind::Error, "DRV_dspIspCreateX",

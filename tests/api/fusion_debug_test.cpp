@@ -1,5 +1,8 @@
 // Fusion debug setters, the two-record print and the NIR curve command through
-// the public ABI (the curve file's format is nir_file_test.cpp's subject).
+// the public ABI, and the curve file "/tmp/nir.txt" as DRV_dspdbgFusionNir reads
+// it, with generated inputs: signs, saturation edges and the neighbours of the
+// digits, lines around the 256-byte read, CR-only endings, a NUL inside a line
+// and a file without a final line end. A file that fails leaves both records as they were.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,7 +10,6 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "ispdsp/fusion.h"
@@ -17,6 +19,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using ispdsp_test::LogCapture;
 using ispdsp_test::LogKind;
 using ispdsp_test::MemGuard;
@@ -41,32 +44,10 @@ struct Records {
     int32_t loadNir(int32_t id = 0) { return DRV_dspdbgFusionNir(rec.data(), &gain, id, 0); }
 };
 
-// A well-formed curve file: point i is i (255 from 255 on).
-std::string countingCurveFile() {
-    std::string text;
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) text += std::to_string(i) + (i == 510 ? "\n" : i % 13 == 12 ? ",\n" : ",");
-    return text;
-}
-
-// Indexes far outside 0..15 are refused by the setter, the print and the curve
-// command (the edges -1 and 16: validity_boundary_test.cpp); null arguments are
-// named. Either way -1, nothing touched.
-TEST(FusionDebug, RefusalsAreNamedAndTouchNothing) {
-    Sandbox sandbox;
-    sandbox.writeFile("/tmp/nir.txt", countingCurveFile());
+// Null arguments are named (indexes outside 0..15: validity_boundary_test.cpp):
+// -1, nothing allocated.
+TEST(FusionDebug, NullArgumentsAreNamed) {
     const char* functions[] = {"DRV_dspdbgFusion", "DRV_dspdbgFusionPrint", "DRV_dspdbgFusionNir"};
-    for (auto [start, end] : {std::pair{INT32_MAX, INT32_MIN}}) {
-        Records r(start, end);
-        const auto before = r.rec;
-        LogCapture log;
-        EXPECT_EQ(r.set(0, 100), -1);
-        EXPECT_EQ(r.print(), -1);
-        EXPECT_EQ(r.loadNir(), -1);
-        const std::string message =
-            "gain index out of range: start " + std::to_string(start) + ", end " + std::to_string(end) + "\n";
-        for (const char* function : functions) EXPECT_EQ(log.count(LogKind::Error, function, message), 1u) << function;
-        EXPECT_EQ(std::memcmp(r.rec.data(), before.data(), sizeof before), 0);
-    }
     Records r(0, 1);
     using Call = int32_t (*)(CFG_DSP_FusionV2722*, DRV_gainInterParam*);
     const Call calls[] = {[](auto* c, auto* g) { return DRV_dspdbgFusion(c, g, 0, 1); },
@@ -95,7 +76,7 @@ TEST(FusionDebug, EqualIndexesChangeOneRecordOtherIdsNone) {
     LogCapture log;
     ASSERT_EQ(r.set(3, 77), 0);
     for (int32_t id : {46, INT32_MIN, INT32_MAX}) EXPECT_EQ(r.set(id, 5), 0) << id;
-    for (int32_t id : {72}) EXPECT_EQ(r.loadNir(id), 0) << id;
+    EXPECT_EQ(r.loadNir(72), 0);
     EXPECT_EQ(log.lines().size(), 1u);
     EXPECT_EQ(r.loadNir(0), -1);
     EXPECT_TRUE(log.has(LogKind::Warn, "DRV_ispGetNirCfg", "/tmp/nir.txt open failed\n"));
@@ -122,17 +103,53 @@ TEST(FusionDebug, PrintShowsStartThenEndForEveryField) {
                   "uv_wmin=[24,242], uv_wmax=[25,241], uv_w=[26,240]\n"}));
 }
 
+constexpr int kStart = 3, kEnd = 9;  // the two records of the current blend
+
+// 39 lines of 13 "n," and a last line "n,n,n,n", each point given as its text.
+std::string curveFile(const std::vector<std::string>& points, const std::string& end = "\n", bool finalEnd = true) {
+    std::string text;
+    for (int line = 0; line < 40; ++line) {
+        const int count = line < 39 ? 13 : 4;
+        for (int k = 0; k < count; ++k) text += points[line * 13 + k] + (line < 39 || k < 3 ? "," : "");
+        if (line < 39 || finalEnd) text += end;
+    }
+    return text;
+}
+
+// Point i given as i % modulus.
+std::vector<std::string> counting(int modulus = 200) {
+    std::vector<std::string> v;
+    for (int i = 0; i < FUSION_NIR_POINTS; ++i) v.push_back(std::to_string(i % modulus));
+    return v;
+}
+
+class NirFile : public ::testing::Test {
+protected:
+    // Loads `text`: on success both curves must be `want` and nothing else may change, on
+    // failure nothing at all; nothing leaks and the file is closed.
+    void expectLoad(const std::string& text, Int32 result, const std::vector<Uint8>& want = {}) {
+        sandbox.writeFile("/tmp/nir.txt", text);
+        auto expected = r.rec;
+        for (int k : {kStart, kEnd}) {
+            if (result == 0) std::memcpy(expected[k].w_nir, want.data(), FUSION_NIR_POINTS);
+        }
+        MemGuard mem;
+        log.clear();
+        EXPECT_EQ(r.loadNir(), result);
+        for (int k = 0; k < FUSION_GAIN_STEPS; ++k)
+            EXPECT_EQ(std::memcmp(&r.rec[k], &expected[k], sizeof expected[k]), 0) << "record " << k;
+    }
+    Records r{kStart, kEnd};
+    Sandbox sandbox;
+    LogCapture log;
+};
+
 // The curve command writes the curve of both blended records, nothing else,
 // and prints it 13 points to a line.
-TEST(FusionNir, LoadsTheCurveIntoBothRecordsAndPrintsIt) {
-    Sandbox sandbox;
-    sandbox.writeFile("/tmp/nir.txt", countingCurveFile());
-    Records r(6, 13);
-    auto expected = r.rec;
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) expected[6].w_nir[i] = expected[13].w_nir[i] = uint8_t(std::min(i, 255));
-    LogCapture log;
-    ASSERT_EQ(r.loadNir(), 0);
-    EXPECT_EQ(std::memcmp(r.rec.data(), expected.data(), sizeof expected), 0);
+TEST_F(NirFile, LoadsTheCurveIntoBothRecordsAndPrintsIt) {
+    std::vector<Uint8> want(FUSION_NIR_POINTS);
+    for (int i = 0; i < FUSION_NIR_POINTS; ++i) want[i] = static_cast<Uint8>(std::min(i, 255));
+    expectLoad(curveFile(counting(FUSION_NIR_POINTS)), 0, want);  // 256 and above saturate
     const auto texts = log.texts();
     ASSERT_EQ(texts.size(), 41u);
     EXPECT_EQ(texts[0], "[DSP_DRV] DRV_dspdbgFusionNir w_nir:\n");
@@ -140,6 +157,72 @@ TEST(FusionNir, LoadsTheCurveIntoBothRecordsAndPrintsIt) {
     EXPECT_EQ(texts[20], "[DSP_DRV]  247  248  249  250  251  252  253  254  255  255  255  255  255  \n");
     EXPECT_EQ(texts[40], "[DSP_DRV]  255  255  255  255  \n");
     EXPECT_EQ(log.count(LogKind::Info), 41u);
+}
+
+TEST_F(NirFile, ValuesSaturateCapAt255AndKeepTheirLowByteInLinesUpTo255Characters) {
+    const struct {
+        std::string text;
+        Uint8 stored;
+    } tokens[] = {{"0", 0},       {"9", 9},         {"255", 255},     {"256", 255},        {"-1", 255},
+                  {"-128", 128},  {"-129", 127},    {"-255", 1},      {"-256", 0},         {"+12", 12},
+                  {"  7", 7},     {"\t-3", 253},    {"007", 7},       {"-0", 0},           {"2147483647", 255},
+                  {"2147483648", 255}, {"-2147483648", 0}, {"-2147483649", 0}, {"99999999999999999999", 255}};
+    std::vector<std::string> points = counting();
+    std::vector<Uint8> want(FUSION_NIR_POINTS);
+    for (int i = 0; i < FUSION_NIR_POINTS; ++i) want[i] = static_cast<Uint8>(i % 200);
+    for (size_t j = 0; j < std::size(tokens); ++j) {
+        const size_t at = (j * 41 + 5) % FUSION_NIR_POINTS;  // distinct positions, the last line included
+        points[at] = tokens[j].text;
+        want[at] = tokens[j].stored;
+    }
+    // Each line with its line end must fit 255 characters: at 256 the line end arrives as the next
+    // line. The first line is as built (0) or padded to a length with blanks before its first number.
+    for (const std::string end : {"\n", "\r\n"}) {
+        for (bool finalEnd : {true, false}) {
+            for (size_t length : {0u, 254u, 255u, 256u}) {
+                SCOPED_TRACE(testing::Message() << end.size() << " " << finalEnd << " " << length);
+                std::string text = curveFile(points, end, finalEnd);
+                if (length != 0) text.insert(0, std::string(length - (text.find(end) + end.size()), ' '));
+                expectLoad(text, length <= 255 ? 0 : -1, want);
+                EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetNirCfg", "/tmp/nir.txt line 2 holds 0 of 13 points\n"),
+                          length > 255 ? 1u : 0u);
+            }
+        }
+    }
+    expectLoad(curveFile(points, "\r"), -1);  // one long line, cut into 255-character reads
+}
+
+TEST_F(NirFile, ANumberNotFollowedByItsCommaFailsTheLine) {
+    const struct {
+        std::string text;
+        int parsed;   // 1 when a number is read before the offending character
+        int at = -1;  // the point replaced; -1: spread over the first 39 lines
+    } tokens[] = {{"/", 0},  {":", 0},  {"", 0},   {"+", 0},   {"-", 0},   {"x", 0},   {"G", 0},   {"g", 0},
+                  {"1/", 1}, {"9:", 1}, {"5 ", 1}, {"0x1", 1}, {"- 1", 0}, {"1\0"s "2", 1}, {"1:", 1, 509}};
+    for (size_t j = 0; j < std::size(tokens); ++j) {
+        SCOPED_TRACE(j);
+        size_t at = tokens[j].at >= 0 ? tokens[j].at : (j * 97 + 20) % 507;
+        if (at % 13 == 12) --at;  // the line's last number may be followed by anything
+        std::vector<std::string> points = counting();
+        points[at] = tokens[j].text;
+        expectLoad(curveFile(points), -1);
+        const std::string message = "/tmp/nir.txt line " + std::to_string(at / 13 + 1) + " holds " +
+                                    std::to_string(at % 13 + tokens[j].parsed) + " of " + (at < 507 ? "13" : "4") +
+                                    " points\n";
+        EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetNirCfg", message), 1u) << message;
+    }
+}
+
+// (A missing file: fusion_debug_test.cpp.)
+TEST_F(NirFile, MissingLinesFail) {
+    expectLoad("", -1);
+    std::string text = curveFile(counting());
+    expectLoad(text.substr(0, text.rfind("\n", text.size() - 2) + 1), -1);  // 39 lines
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetNirCfg", "OSA_fgets error! \n"), 1u);
+    std::string tenLines;
+    for (int i = 0; i < 10; ++i) tenLines += "1,2,3,4,5,6,7,8,9,10,11,12,13,\n";
+    expectLoad(tenLines, -1);  // both the 11th and the last read fail
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetNirCfg", "OSA_fgets error! \n"), 2u);
 }
 
 }  // namespace

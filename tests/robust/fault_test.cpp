@@ -52,7 +52,7 @@ Int32 withFault(Call call, FaultArgs... faultArgs) {
     return call();
 }
 
-class RobustFault : public testing::Test {
+class RobustFault : public driver_test::DriverTest {
 protected:
     size_t logged(const ExpectedLine& line) const { return log.count(line.kind, line.function, line.message); }
 
@@ -126,9 +126,6 @@ protected:
         }
     }
 
-    ispdsp_test::Sandbox sandbox;
-    ispdsp_test::LogCapture log;
-    ispdsp_test::DspCapture dsp;
 };
 
 // Registration files in /var/tmp/ and /var/: a failure while reading the first
@@ -168,27 +165,6 @@ TEST_F(RobustFault, CreationFromThePipeFileEndsCleanlyWhicheverAllocationFails) 
         {-1, kNirMalloc, 0},
         {-1, kNirMalloc, 0},
     });
-}
-
-TEST_F(RobustFault, ParamFileLoaderEndsCleanlyWhenItsAllocationFails) {
-    sandbox.writeFile(driver_test::kCommonParamFile, ParamFileBuilder().addTable(PARAM_MULTICOLOR).build());
-    sandbox.writeFile(kPipeFile1, paramFile());
-    MemGuard guard;
-    CFG_IspParamTable header{};
-    Ptr buffer = nullptr;
-    const auto load = [&](const char* path) { return DRV_ispCfgLoad(path, ISPDSP_PARAM_FILE_VERSION, &header, &buffer); };
-    // A fresh header and no buffer: the block's buffer cannot be taken (the reader's own -1).
-    const auto read = [&] {
-        return DRV_ispCfgReadCheckParam(driver_test::kCommonParamFile, ISPDSP_PARAM_FILE_VERSION, &header, &buffer); };
-    EXPECT_EQ(withFault<FailAllocAfter>(read, 1), -1);
-    EXPECT_EQ(buffer, nullptr);
-    // A second load that needs more room releases the first buffer before
-    // asking for the new one: when that fails, no buffer is left.
-    ASSERT_EQ(load(driver_test::kCommonParamFile), 0);
-    log.clear();
-    EXPECT_EQ(withFault<FailAllocAfter>([&] { return load(kPipeFile1); }, 1), -1);
-    EXPECT_EQ(buffer, nullptr);
-    EXPECT_EQ(logged(kParamMalloc), 1u);
 }
 
 // The NIR curve loader: its buffer fails (both languages of the command), then

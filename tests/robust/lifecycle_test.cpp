@@ -27,7 +27,7 @@ int cyclesToRun() {
     return cycles > 0 ? cycles : 300;
 }
 
-class RobustLifecycle : public testing::Test {
+class RobustLifecycle : public driver_test::DriverTest {
 protected:
     void SetUp() override {
         sandbox.writeFile(driver_test::kCommonParamFile,
@@ -83,9 +83,6 @@ protected:
         return fusionMessages;
     }
 
-    ispdsp_test::Sandbox sandbox;
-    ispdsp_test::LogCapture log;
-    ispdsp_test::DspCapture dsp;
 };
 
 TEST_F(RobustLifecycle, LinkedPairCyclesGiveBackEveryBlock) {
