@@ -1,6 +1,6 @@
 #include "curve_forms.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 constexpr int kLastPoint = static_cast<int>(kNirPoints) - 1;
@@ -151,4 +151,4 @@ OrderedJson encodeCurve(const Curve& curve) {
     return points;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -8,7 +8,7 @@
 #include "hex_text.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 std::string rangeFinding(const std::string& table, const FieldDef& f, int step, int64_t v) {
@@ -137,4 +137,4 @@ Findings tableFindings(const std::vector<TableEntry>& entries) {
     return out;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -8,7 +8,7 @@
 #include "param_file_image.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 namespace {
 
 // Tables are paired by type and, for a repeated type, by occurrence.
@@ -147,4 +147,4 @@ int runDiff(const std::string& pathA, const std::string& pathB, std::ostream& ou
     return diffs.empty() ? kExitOk : kExitFindings;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

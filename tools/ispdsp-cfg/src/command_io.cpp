@@ -4,7 +4,7 @@
 
 #include "input_file.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 
 using ispdsp::tools::FileKind;
 
@@ -61,4 +61,4 @@ bool writeOutput(const std::string& path, const std::string& bytes, std::ostream
     return true;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

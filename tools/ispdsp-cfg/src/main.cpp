@@ -12,6 +12,8 @@
 
 namespace {
 
+namespace cfg = ispdsp::tools::cfg;
+
 // The source format, with a real table type name in its example.
 std::string sourceFormat() {
     return R"(JSON source format:
@@ -19,7 +21,7 @@ std::string sourceFormat() {
     "header": {"ver": 82981.0, "dateTime": "2024-05-06 10:00:00", "subVer": 1.0,
                "archName": "chip", "pdtName": "product"},
     "tables": [
-      {"type": ")" + ispcfg::tableTypeName(0) + R"(",          // PARAM_TABLE_TYPE name; each type once
+      {"type": ")" + ispdsp::tools::tableTypeName(0) + R"(",          // PARAM_TABLE_TYPE name; each type once
        "ispFusionFlag": 1,
        "fusion": [                          // 16 gain steps, step 0 first
          {"ep_delta": 64, "fusion_hf_ratio": 200, ... 26 scalar fields ...,
@@ -72,30 +74,30 @@ int runTool(int argc, char** argv) {
     app.require_subcommand(1);
     app.set_version_flag("--version", "ispdsp-cfg " ISPDSP_VERSION);
     app.footer(kFooter);
-    int status = ispcfg::kExitOk;
+    int status = cfg::kExitOk;
 
-    ispcfg::BuildOptions build;
+    cfg::BuildOptions build;
     auto* buildCmd = app.add_subcommand("build", "JSON source -> binary parameter file");
     buildCmd->add_option("source", build.source, "JSON source")->required();
     buildCmd->add_option("-o,--output", build.output, "binary parameter file to write, - for standard output")
         ->required();
     buildCmd->add_flag("--stamp-date", build.stampDate, "set dateTime to the current UTC time");
     buildCmd->footer(sourceFormat());
-    buildCmd->callback([&] { status = ispcfg::runBuild(build, std::cout, std::cerr); });
+    buildCmd->callback([&] { status = cfg::runBuild(build, std::cout, std::cerr); });
 
-    ispcfg::DumpOptions dump;
+    cfg::DumpOptions dump;
     auto* dumpCmd = app.add_subcommand("dump", "binary parameter file -> JSON source (build of it is byte-identical)");
     dumpCmd->add_option("file", dump.input, "binary parameter file")->required();
     dumpCmd->add_option("-o,--output", dump.output, "JSON file to write (default and -: standard output)");
-    dumpCmd->callback([&] { status = ispcfg::runDump(dump, std::cout, std::cerr); });
+    dumpCmd->callback([&] { status = cfg::runDump(dump, std::cout, std::cerr); });
 
     std::string checkInput;
     auto* checkCmd = app.add_subcommand(
         "check", "version, checksum, block layout, table types and every field against the DSP's ranges");
     checkCmd->add_option("file", checkInput, "binary parameter file")->required();
-    checkCmd->callback([&] { status = ispcfg::runCheck(checkInput, std::cout, std::cerr); });
+    checkCmd->callback([&] { status = cfg::runCheck(checkInput, std::cout, std::cerr); });
 
-    ispcfg::SelectOptions select;
+    cfg::SelectOptions select;
     auto* selectCmd =
         app.add_subcommand("select", "which table a camera state chooses and why (the library's choice, explained)");
     selectCmd->add_option("file", select.input, "binary parameter file")->required();
@@ -114,26 +116,26 @@ int runTool(int argc, char** argv) {
                      "imageScene: 0 base, 1 traffic, 2 face, 4 IVS, 5..13 other scenes")
         ->default_val(0)
         ->excludes(all);
-    selectCmd->callback([&] { status = ispcfg::runSelect(select, std::cout, std::cerr); });
+    selectCmd->callback([&] { status = cfg::runSelect(select, std::cout, std::cerr); });
 
     std::string diffA, diffB;
     auto* diffCmd = app.add_subcommand("diff", "differences between two files by header, table and field");
     diffCmd->add_option("a", diffA, "first file")->required();
     diffCmd->add_option("b", diffB, "second file")->required();
-    diffCmd->callback([&] { status = ispcfg::runDiff(diffA, diffB, std::cout, std::cerr); });
+    diffCmd->callback([&] { status = cfg::runDiff(diffA, diffB, std::cout, std::cerr); });
 
-    ispcfg::PlotOptions plot;
+    cfg::PlotOptions plot;
     auto* plotCmd = app.add_subcommand("plot", "SVG of one table's fusion parameters and NIR weight curves");
     plotCmd->add_option("file", plot.input, "binary parameter file")->required();
-    plotCmd->add_option("--table", plot.table, "PARAM_TABLE_TYPE name, e.g. " + ispcfg::tableTypeName(0))->required();
+    plotCmd->add_option("--table", plot.table, "PARAM_TABLE_TYPE name, e.g. " + ispdsp::tools::tableTypeName(0))->required();
     plotCmd->add_option("-o,--output", plot.output, "SVG file to write, - for standard output")->required();
-    plotCmd->callback([&] { status = ispcfg::runPlot(plot, std::cout, std::cerr); });
+    plotCmd->callback([&] { status = cfg::runPlot(plot, std::cout, std::cerr); });
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
         const int code = app.exit(e);  // prints help, the version, or the usage error
-        if (code != 0) status = ispcfg::kExitError;
+        if (code != 0) status = cfg::kExitError;
     }
     return status;
 }
@@ -141,13 +143,13 @@ int runTool(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    int status = ispcfg::kExitError;
+    int status = cfg::kExitError;
     try {
         status = runTool(argc, argv);
     } catch (const std::exception& e) {  // no input ends the tool on an exception
         std::cerr << "error: " << e.what() << "\n";
-        status = ispcfg::kExitError;
+        status = cfg::kExitError;
     }
-    if (!standardOutputWritten()) status = ispcfg::kExitError;
+    if (!standardOutputWritten()) status = cfg::kExitError;
     return status;
 }

@@ -6,7 +6,7 @@
 #include "tuning/table_types.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 namespace {
 
 using ispdsp::tuning::kSceneBlocksInMapOrder;
@@ -141,4 +141,4 @@ Selection explainSelection(const CameraState& state, const std::array<bool, 120>
     return s;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

@@ -4,7 +4,7 @@
 
 #include "input_file.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 std::optional<std::string> checkInputFiles(const Options& options) {
     using ispdsp::tools::FileKind;
@@ -29,4 +29,4 @@ std::optional<std::string> checkInputFiles(const Options& options) {
     return std::nullopt;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -9,10 +9,10 @@
 
 #include "options.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 // The first problem, as "--rlr PATH: seems to be an ISP parameter file, not an
 // RLR table file"; nothing when every file is fine.
 std::optional<std::string> checkInputFiles(const Options& options);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -29,7 +29,7 @@ namespace {
 
 std::string sample(const char* name) {
     static const std::string dir =
-        ispsim::sampleDirectory(ISPDSP_SIM_BUILD_DIR, ISPDSP_SIM_SAMPLE_DIR, ISPDSP_SIM_INSTALLED_SAMPLE_DIR);
+        ispdsp::tools::sim::sampleDirectory(ISPDSP_SIM_BUILD_DIR, ISPDSP_SIM_SAMPLE_DIR, ISPDSP_SIM_INSTALLED_SAMPLE_DIR);
     return dir + "/" + name;
 }
 
@@ -67,13 +67,13 @@ sandbox removed).)";
 }  // namespace
 
 int main(int argc, char** argv) {
-    ispsim::Options options;
+    ispdsp::tools::sim::Options options;
     CLI::App app{"ispdsp-sim: host simulator for the ISP-DSP driver library (colour/mono fusion pair)"};
     app.footer(kFooter);
     app.set_version_flag("--version", std::string("ispdsp-sim ") + ISPDSP_VERSION);
 
     options.scenario = sample("scenarios/gain_sweep.json");
-    options.library = ispsim::defaultLibraryPath(ISPDSP_SIM_DEFAULT_LIBRARY);
+    options.library = ispdsp::tools::sim::defaultLibraryPath(ISPDSP_SIM_DEFAULT_LIBRARY);
     options.tuning = sample("dsp_isp_para.bin");
     std::string calibration = sample("calibration.txt");
     std::string nir = sample("nir.txt");
@@ -136,7 +136,7 @@ int main(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
         const int status = app.exit(e);  // prints help or the error
-        return status == 0 ? ispsim::kExitOk : ispsim::kExitUsage;
+        return status == 0 ? ispdsp::tools::sim::kExitOk : ispdsp::tools::sim::kExitUsage;
     }
 
     if (rootOption->count() > 0) options.root = std::filesystem::absolute(root).string();
@@ -147,10 +147,10 @@ int main(int argc, char** argv) {
     if (framesOption->count() > 0) options.frames = frames;
     if (outputOption->count() > 0 && output != "-") options.output = output;
     if (saveOption->count() > 0) options.saveTuning = saveTuning;
-    options.consolePipe = pipe == "mono" ? ispsim::kMonoPipe : ispsim::kColorPipe;
+    options.consolePipe = pipe == "mono" ? ispdsp::tools::sim::kMonoPipe : ispdsp::tools::sim::kColorPipe;
     options.langue = lang == "zh" ? 1 : 0;
-    if (progressAlways) options.progress = ispsim::Options::ProgressMode::On;
-    if (progressNever) options.progress = ispsim::Options::ProgressMode::Off;
+    if (progressAlways) options.progress = ispdsp::tools::sim::Options::ProgressMode::On;
+    if (progressNever) options.progress = ispdsp::tools::sim::Options::ProgressMode::Off;
 
-    return ispsim::runSimulation(options);
+    return ispdsp::tools::sim::runSimulation(options);
 }

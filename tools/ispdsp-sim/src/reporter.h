@@ -15,7 +15,7 @@
 
 #include "ispdsp_host/scoped.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 using Event = nlohmann::ordered_json;
 
@@ -112,4 +112,4 @@ private:
     ispdsp::host::ScopedLogSink sink_;
 };
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

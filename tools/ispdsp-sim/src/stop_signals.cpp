@@ -3,7 +3,7 @@
 #include <signal.h>
 
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 volatile sig_atomic_t g_stop = 0;
@@ -24,4 +24,4 @@ void installStopHandlers() {
 
 bool stopRequested() { return g_stop != 0; }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -3,11 +3,11 @@
 // temporary sandbox root is removed.
 #pragma once
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 // SIGINT, SIGTERM and SIGHUP set the stop request (reads are interrupted, not
 // restarted); SIGPIPE is ignored so a closed pipe shows as a write error.
 void installStopHandlers();
 bool stopRequested();
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

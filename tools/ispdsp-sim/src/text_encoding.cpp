@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <vector>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -88,4 +88,4 @@ std::string displayText(const std::string& raw) {
     return escapeInvalid(raw);
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

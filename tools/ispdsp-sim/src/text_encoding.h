@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 bool isValidUtf8(const std::string& text);
 
@@ -12,4 +12,4 @@ bool isValidUtf8(const std::string& text);
 // iconv, else with every byte that does not decode written as \xNN.
 std::string displayText(const std::string& raw);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -10,7 +10,7 @@
 
 #include "ispdsp/param_table.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 struct SaveResult {
     bool ok = false;
@@ -21,4 +21,4 @@ struct SaveResult {
 // `sourceFile` is the parameter file the instance loaded; `tables` its live table set.
 SaveResult saveTuning(const CFG_DspIspCfgTables& tables, const std::string& sourceFile, const std::string& jsonPath);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim
