@@ -8,6 +8,8 @@
 #include <iostream>
 
 #include "commands.h"
+#include "hex_text.h"
+#include "param_file_image.h"
 #include "type_names.h"
 
 namespace {
@@ -34,15 +36,15 @@ std::string sourceFormat() {
   }
   Fields carry the names of the stored records. Missing fields and records are 0; unknown
   names are errors. Tables are written in the order listed. Comments are allowed.
-  w_nir (511 points, 0..255) is one of:
+  w_nir ()" + std::to_string(ispdsp::tuning::kNirPoints) + R"( points, 0..255) is one of:
     [v0, ..., v510]            every point
     {"constant": v}            all points v
     {"ramp": [from, to]}       straight line from point 0 to point 510
     {"knots": [[x, y], ...]}   piecewise linear, x rising in 0..510, flat outside the knots
   (between knots: rounded half away from zero). Header texts are up to 32 bytes of UTF-8, or
-  {"hex": "..."} for raw bytes; versions are numbers, or {"bits": "0x47A21280"}.
+  {"hex": "..."} for raw bytes; versions are numbers, or {"bits": ")" + ispdsp::tools::hexText(ispdsp::tools::kExpectedVersionBits, 8) + R"("}.
   Values must fit their field's type; values outside the DSP's range are warnings (`check`).
-  A source the driver would reject (no table, a version other than 82981) is not written.
+  A source the driver would reject (no table, a version other than )" + std::to_string(static_cast<long>(ispdsp::tuning::kExpectedVersion)) + R"() is not written.
   Padding bytes are written as 0, so dump/build normalise them.)";
 }
 

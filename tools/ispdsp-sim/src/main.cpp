@@ -8,6 +8,7 @@
 
 #include "driver_library.h"
 #include "options.h"
+#include "sim_sandbox.h"
 
 #ifndef ISPDSP_SIM_DEFAULT_LIBRARY
 #define ISPDSP_SIM_DEFAULT_LIBRARY "libispdsp.so"
@@ -87,24 +88,25 @@ int main(int argc, char** argv) {
 
     app.add_option("scenario", options.scenario, "scenario file (JSON)")->capture_default_str();
     app.add_option("--lib", options.library, "driver library to dlopen")->capture_default_str();
-    auto* rootOption = app.add_option("--root", root, "sandbox root (ISPDSP_ROOT); default: a temporary folder");
+    auto* rootOption = app.add_option("--root", root, "sandbox root; default: a temporary folder");
     app.add_flag("--keep-root", options.keepRoot, "keep the temporary sandbox root");
-    app.add_option("--tuning", options.tuning, "parameter file, placed at /var/tmp/dsp_isp_para.bin")
+    app.add_option("--tuning", options.tuning, "parameter file, placed at " + ispdsp::tools::sim::tuningDevicePath())
         ->capture_default_str();
     auto* monoOption = app.add_option("--mono-tuning", monoTuning,
-                                      "a second parameter file for the mono pipe: the files go to "
-                                      "/var/tmp/0/ and /var/tmp/1/ instead");
+                                      "a second parameter file for the mono pipe: the files go to " +
+                                          std::string(ispdsp::tuning::kParamFileDir) + "0/ and " +
+                                          ispdsp::tuning::kParamFileDir + "1/ instead");
     auto* calibrationOption = app.add_option("--calibration", calibration,
-                                             "registration file, placed at /var/tmp/calibration.txt")
+                                             "registration file, placed at " + ispdsp::tools::sim::calibrationDevicePath())
                                   ->capture_default_str();
     bool withoutCalibration = false;
     auto* noCalibration = app.add_flag("--no-calibration", withoutCalibration, "run without a registration file");
     calibrationOption->excludes(noCalibration);
-    app.add_option("--nir", nir, "NIR curve file for the console's w_nir command, placed at /tmp/nir.txt")
+    app.add_option("--nir", nir, std::string("NIR curve file for the console's w_nir command, placed at ") + ispdsp::tuning::kNirCurvePath)
         ->capture_default_str();
     auto* rlrOption = app.add_option("--rlr", rlr,
-                                     "load RLR tables at setup (DRV_loadRlrCfg) from FILE, placed at "
-                                     "/var/custom/rlr_para.bin; default FILE: the sample")
+                                     std::string("load RLR tables at setup (DRV_loadRlrCfg) from FILE, placed at ") +
+                                         ispdsp::tuning::kRlrPath + "; default FILE: the sample")
                           ->expected(0, 1);
     app.add_flag("--stages", options.stages, "also calculate and send the smaller stages from the current table");
     auto* framesOption = app.add_option("--frames", frames, "number of frames (replaces the scenario's count)")
