@@ -14,14 +14,14 @@ using fuzzsupport::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string line(reinterpret_cast<const char*>(data), size);
-    const std::vector<std::string> args = ispsim::splitCommandLine(line);
+    const std::vector<std::string> args = ispdsp::tools::sim::splitCommandLine(line);
     for (const std::string& word : args) {
         require(!word.empty(), "an empty word");
         require(word.find_first_of(" \t\n\v\f\r") == std::string::npos, "a blank inside a word");
     }
     require(args.empty() || args.front() != "aewDebug" || line.find("aewDebug") != line.rfind("aewDebug"),
             "the command name kept");
-    (void)ispsim::consoleValueWarnings(args);
+    (void)ispdsp::tools::sim::consoleValueWarnings(args);
     const std::string shown = ispdsp::tools::printableText(line);
     require(ispdsp::tools::isValidUtf8(shown), "an echo that is not UTF-8");
     for (unsigned char c : shown) require(c == '\t' || (c >= 0x20 && c != 0x7F), "a control character echoed");

@@ -13,9 +13,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     const std::optional<int64_t> frames = size % 2 == 1 ? std::optional<int64_t>(size % 64) : std::nullopt;
     try {
-        const ispsim::Scenario scenario = ispsim::parseScenario(text, "fuzz.json", frames);
+        const ispdsp::tools::sim::Scenario scenario = ispdsp::tools::sim::parseScenario(text, "fuzz.json", frames);
         require(!frames || static_cast<int64_t>(scenario.frames.size()) == *frames, "--frames not applied");
-    } catch (const ispsim::ScenarioError& e) {
+    } catch (const ispdsp::tools::sim::ScenarioError& e) {
         const std::string message = e.what();
         require(message.starts_with("fuzz.json") || message.starts_with("--frames"), "an error that names no file");
         require(text.find("[json.") != std::string::npos || message.find("[json.exception") == std::string::npos,

@@ -26,31 +26,31 @@ void requireOurWords(std::string_view input, const std::vector<std::string>& mes
 
 void roundTripSource(const std::string& source) {
     std::vector<std::string> errors;
-    const auto built = ispcfg::buildParamFile(source, errors);
+    const auto built = ispdsp::tools::buildParamFile(source, errors);
     requireOurWords(source, errors);
     if (!built) {
         require(!errors.empty(), "a refused source without a diagnostic");
         return;
     }
     std::string error;
-    const auto dumped = ispcfg::dumpTuningJson(built->bytes, error);
+    const auto dumped = ispdsp::tools::dumpTuningJson(built->bytes, error);
     require(dumped.has_value() && dumped->errors.empty(), "a built file does not dump cleanly");
-    const auto rebuilt = ispcfg::buildParamFile(dumped->text, errors);
+    const auto rebuilt = ispdsp::tools::buildParamFile(dumped->text, errors);
     require(rebuilt.has_value() && rebuilt->bytes == built->bytes, "dump of a build does not build the same bytes");
-    const auto redumped = ispcfg::dumpTuningJson(rebuilt->bytes, error);
+    const auto redumped = ispdsp::tools::dumpTuningJson(rebuilt->bytes, error);
     require(redumped.has_value() && redumped->text == dumped->text, "dump of a rebuild differs");
 }
 
 void roundTripBinary(std::span<const uint8_t> bytes) {
     std::string error;
-    const auto dumped = ispcfg::dumpTuningJson(bytes, error);
+    const auto dumped = ispdsp::tools::dumpTuningJson(bytes, error);
     if (!dumped) {
         require(!error.empty(), "a refused file without a reason");
         return;
     }
     if (!dumped->errors.empty() || !dumped->warnings.empty()) return;  // what the text cannot carry
     std::vector<std::string> errors;
-    const auto built = ispcfg::buildParamFile(dumped->text, errors);
+    const auto built = ispdsp::tools::buildParamFile(dumped->text, errors);
     requireOurWords(dumped->text, errors);
     // A clean dump can still describe a file that build refuses (no table, another version).
     if (built) require(std::equal(bytes.begin(), bytes.end(), built->bytes.begin(), built->bytes.end()),

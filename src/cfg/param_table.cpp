@@ -19,7 +19,6 @@ static_assert(sizeof(Int32) % alignof(CFG_DspIspCfgParam) == 0, "tables start al
 namespace {
 
 constexpr Int32 kTypeCount = PARAM_TABLE_TYPE_NUM;
-constexpr Int32 kHdrWdrBit = 4;  // hdrMode 4 alone means WDR; any other nonzero value HDR
 
 bool tableExists(const CFG_DspIspCfgTables* tables, Int32 type) {
     return type >= 0 && type < kTypeCount && tables->paramTables[type] != nullptr;
@@ -70,20 +69,18 @@ Int32 DRV_ispCommonTable2DspTable(CFG_IspParamTable* commTable, Ptr specParam, C
     return 0;
 }
 
-Uint32 getCurState(CFG_ispParamCondition* cfgConditon) {
-    if (cfgConditon == nullptr) {
+Uint32 getCurState(CFG_ispParamCondition* condition) {
+    if (condition == nullptr) {
         return kTypeMapRows;
     }
-    const Uint32 isBlackWhite = cfgConditon->realDncMode == 0 ? 1 : 0;
-    const Uint32 isHDR = (cfgConditon->hdrMode & ~kHdrWdrBit) != 0 ? 1 : 0;
-    const Uint32 isWDR = cfgConditon->hdrMode != 0 ? 1 : 0;
-    const Uint32 sceneMode = cfgConditon->sceneMode == 2 ? 2 : 0;
-    const auto imageScene = static_cast<Uint32>(cfgConditon->imageScene);
+    const ispdsp::tuning::RowPattern state =
+        ispdsp::tuning::rowPatternOf(condition->realDncMode, condition->hdrMode, condition->sceneMode);
+    const auto imageScene = static_cast<Uint32>(condition->imageScene);
 
     for (Uint32 row = 0; row < kTypeMapRows; ++row) {
-        const Table_TYPE_MAP& r = sg_typeMap[row];
-        if (r.isBlackWhite == isBlackWhite && r.isHDR == isHDR && r.isWDR == isWDR && r.sceneMode == sceneMode &&
-            r.imageScene == imageScene) {
+        const Table_TYPE_MAP& r = kStateMap[row];
+        if (r.isBlackWhite == state.isBlackWhite && r.isHDR == state.isHDR && r.isWDR == state.isWDR &&
+            r.sceneMode == state.sceneMode && r.imageScene == imageScene) {
             return row;
         }
     }
@@ -110,7 +107,7 @@ Int32 getLessSuitableType(CFG_DspIspCfgTables* dspCfgTables, PARAM_TABLE_TYPE* p
     ISP_CHECK_PTR(dspCfgTables, "dspCfgTables");
     ISP_CHECK_PTR(pType, "pType");
 
-    for (const DRV_SuitableParam& rule : gs_suitableParam) {
+    for (const DRV_SuitableParam& rule : kFallbackRuleTable) {
         Int32 pos = 0;
         if (!isTypeMatch(*pType, rule.srcArray, scanLength(rule.srcArraySize), &pos)) {
             continue;
@@ -144,7 +141,7 @@ Int32 DRV_ispChooseCurParamDSP(CFG_ispParamCondition* cfgConditon, CFG_DspIspCfg
         ISP_LOG_ERROR("Failed to get current adj state!\n");
         return -1;
     }
-    PARAM_TABLE_TYPE type = sg_typeMap[row].tableType;
+    PARAM_TABLE_TYPE type = kStateMap[row].tableType;
     if (dspCfgTables->paramTables[type] == nullptr && getLessSuitableType(dspCfgTables, &type) != 0) {
         return -1;
     }

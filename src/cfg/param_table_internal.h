@@ -13,13 +13,13 @@ inline constexpr Uint32 kTypeMapRows = ispdsp::tuning::kStateMapRows;  // 156; a
 inline constexpr Int32 kSuitableRuleEntries = ispdsp::tuning::kFallbackScanLimit;
 
 // The constant state map: row -> camera state and the table type it selects.
-inline constexpr std::array<Table_TYPE_MAP, kTypeMapRows> sg_typeMap = ispdsp::tuning::buildStateMap();
+inline constexpr std::array<Table_TYPE_MAP, kTypeMapRows> kStateMap = ispdsp::tuning::buildStateMap();
 // The two constant fallback rules, tried in order.
-inline constexpr std::array<DRV_SuitableParam, ispdsp::tuning::kFallbackRules> gs_suitableParam =
+inline constexpr std::array<DRV_SuitableParam, ispdsp::tuning::kFallbackRules> kFallbackRuleTable =
     ispdsp::tuning::buildFallbackRules();
 
-// Row of sg_typeMap that matches the camera state, or kTypeMapRows (156) when none does.
-Uint32 getCurState(CFG_ispParamCondition* cfgConditon);
+// Row of kStateMap that matches the camera state, or kTypeMapRows (156) when none does.
+Uint32 getCurState(CFG_ispParamCondition* condition);
 
 // 1 with the first position of `type` in typeArray[0 .. min(typeArraySize, 120) - 1], else 0.
 // (typeArray is const: the rules it scans are constant.)

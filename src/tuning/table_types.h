@@ -31,6 +31,15 @@ inline constexpr std::array<RowPattern, kRowsPerScene> kRowPatterns = {{
     {0, 0, 1, 2}, {1, 0, 1, 2},  // WDR night
 }};
 
+// The row pattern of a camera state as the host reports it: realDncMode 0 is black-and-white;
+// hdrMode 0 is linear, 4 alone WDR, any other value HDR (which the map also counts as WDR);
+// only sceneMode 2 is night.
+inline constexpr Int32 kWdrHdrMode = 4;
+constexpr RowPattern rowPatternOf(Int32 realDncMode, Int32 hdrMode, Uint32 sceneMode) {
+    return RowPattern{realDncMode == 0 ? 1u : 0u, (hdrMode & ~kWdrHdrMode) != 0 ? 1u : 0u, hdrMode != 0 ? 1u : 0u,
+                      sceneMode == 2 ? 2u : 0u};
+}
+
 // One block of the map: the imageScene value, its names and the type of each row.
 struct SceneBlock {
     Uint32 imageScene;

@@ -9,8 +9,8 @@ namespace ispdsp_test {
 
 namespace {
 
-using ispcfg::kHeaderBytes;
-using ispcfg::kTextBytes;
+using ispdsp::tools::kHeaderBytes;
+using ispdsp::tools::kTextBytes;
 
 void putWord(std::vector<uint8_t>& out, uint32_t word) {
     for (int i = 0; i < 4; ++i) out.push_back(static_cast<uint8_t>(word >> (8 * i)));
@@ -23,8 +23,8 @@ T clampTo(long value, long lo, long hi) {
 
 }  // namespace
 
-ispcfg::TextField ParamFileBuilder::textField(std::string_view text) {
-    ispcfg::TextField field{};
+ispdsp::tools::TextField ParamFileBuilder::textField(std::string_view text) {
+    ispdsp::tools::TextField field{};
     std::memcpy(field.data(), text.data(), std::min(text.size(), kTextBytes));
     return field;
 }
@@ -85,8 +85,8 @@ CFG_DspIspCfgParam makeDefaultParamTable(uint32_t variant) {
 }
 
 ParamFileBuilder::ParamFileBuilder() {
-    image_.header.verBits = ispcfg::bitsFromFloat(ISPDSP_PARAM_FILE_VERSION);
-    image_.header.subVerBits = ispcfg::bitsFromFloat(1.0f);
+    image_.header.verBits = ispdsp::tools::bitsFromFloat(ISPDSP_PARAM_FILE_VERSION);
+    image_.header.subVerBits = ispdsp::tools::bitsFromFloat(1.0f);
     image_.header.dateTime = textField("2024-05-17 09:30:00");
     image_.header.archName = textField("ISPDSP-SOC");
     image_.header.pdtName = textField("IPC-NIR-FUSION");
@@ -98,25 +98,25 @@ ParamFileBuilder& ParamFileBuilder::addTable(int32_t type) {
 
 // Struct copies need not carry padding: it is written as 0, so the same field values give the same file.
 ParamFileBuilder& ParamFileBuilder::addTable(int32_t type, const CFG_DspIspCfgParam& table) {
-    static_assert(sizeof table == ispcfg::kTableBytes);
-    ispcfg::TableEntry entry;
+    static_assert(sizeof table == ispdsp::tools::kTableBytes);
+    ispdsp::tools::TableEntry entry;
     entry.type = type;
     std::memcpy(entry.bytes.data(), &table, sizeof table);
-    const auto& padding = ispcfg::paddingMask();
+    const auto& padding = ispdsp::tools::paddingMask();
     for (size_t i = 0; i < entry.bytes.size(); ++i) entry.bytes[i] = padding[i] ? 0 : entry.bytes[i];
     image_.entries.push_back(entry);
     return *this;
 }
 
 std::vector<uint8_t> ParamFileBuilder::headerBytes() const {
-    const auto header = ispcfg::headerBytes(image_.header);
+    const auto header = ispdsp::tools::headerBytes(image_.header);
     return {header.begin(), header.end()};
 }
 
 // The tool's whole file with the entries; its block lies between the size word and the checksum.
 std::vector<uint8_t> ParamFileBuilder::blockBytes() const {
     if (rawBlock_) return *rawBlock_;
-    const std::vector<uint8_t> file = ispcfg::serializeParamFile(image_);
+    const std::vector<uint8_t> file = ispdsp::tools::serializeParamFile(image_);
     return {file.begin() + kHeaderBytes + 4, file.end() - 4};
 }
 
@@ -136,7 +136,7 @@ CFG_IspParamTable ParamFileBuilder::expectedHeader() const {
     const std::vector<uint8_t> block = blockBytes();
     std::memcpy(&h, headerBytes().data(), kHeaderBytes);
     h.cfg_specParam.size = sizeWord_.value_or(static_cast<uint32_t>(block.size()));
-    h.chksum = ispcfg::fileChecksum(headerBytes().data(), block.data(), block.size()) ^ static_cast<int32_t>(chksumMask_);
+    h.chksum = ispdsp::tools::fileChecksum(headerBytes().data(), block.data(), block.size()) ^ static_cast<int32_t>(chksumMask_);
     return h;
 }
 

@@ -41,8 +41,8 @@ public:
     ParamFileBuilder();
 
     // Header fields. Texts are cut to 32 bytes and NUL-padded; 32 characters or more leave no NUL.
-    ParamFileBuilder& version(float ver) { image_.header.verBits = ispcfg::bitsFromFloat(ver); return *this; }
-    ParamFileBuilder& subVersion(float subVer) { image_.header.subVerBits = ispcfg::bitsFromFloat(subVer); return *this; }
+    ParamFileBuilder& version(float ver) { image_.header.verBits = ispdsp::tools::bitsFromFloat(ver); return *this; }
+    ParamFileBuilder& subVersion(float subVer) { image_.header.subVerBits = ispdsp::tools::bitsFromFloat(subVer); return *this; }
     ParamFileBuilder& dateTime(std::string_view text) { image_.header.dateTime = textField(text); return *this; }
     ParamFileBuilder& archName(std::string_view text) { image_.header.archName = textField(text); return *this; }
     ParamFileBuilder& productName(std::string_view text) { image_.header.pdtName = textField(text); return *this; }
@@ -73,9 +73,9 @@ public:
     CFG_IspParamTable expectedHeader() const;
 
 private:
-    static ispcfg::TextField textField(std::string_view text);  // cut to 32 bytes and NUL-padded
+    static ispdsp::tools::TextField textField(std::string_view text);  // cut to 32 bytes and NUL-padded
 
-    ispcfg::ParamFileImage image_;  // header fields and entries, as the tool writes them
+    ispdsp::tools::ParamFileImage image_;  // header fields and entries, as the tool writes them
     std::optional<std::vector<uint8_t>> rawBlock_;
     std::optional<uint32_t> sizeWord_;
     uint32_t chksumMask_ = 0;

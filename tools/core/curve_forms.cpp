@@ -1,6 +1,6 @@
 #include "curve_forms.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 constexpr int kLastPoint = static_cast<int>(kNirPoints) - 1;
@@ -75,8 +75,9 @@ std::optional<Curve> decodeCurve(const Json& value, const std::string& where, Di
     }
     if (!value.is_object() || value.size() != 1) {
         diag.error(where,
-                   "expected 511 points or one of {\"constant\": v}, {\"ramp\": [from, to]}, "
-                   "{\"knots\": [[x, y], ...]}; found " +
+                   "expected " + std::to_string(kNirPoints) +
+                       " points or one of {\"constant\": v}, {\"ramp\": [from, to]}, "
+                       "{\"knots\": [[x, y], ...]}; found " +
                        jsonKind(value));
         return std::nullopt;
     }
@@ -129,7 +130,7 @@ std::optional<Curve> decodeCurve(const Json& value, const std::string& where, Di
         }
         return ok ? std::optional(curveThroughKnots(knots)) : std::nullopt;
     }
-    diag.error(joinPath(where, form), "unknown curve form (use constant, ramp or knots, or list all 511 points)");
+    diag.error(joinPath(where, form), "unknown curve form (use constant, ramp or knots, or list all " + std::to_string(kNirPoints) + " points)");
     return std::nullopt;
 }
 
@@ -151,4 +152,4 @@ OrderedJson encodeCurve(const Curve& curve) {
     return points;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -22,7 +22,7 @@
 #include "diagnostics.h"
 #include "field_table.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 using Curve = std::array<uint8_t, kNirPoints>;
 using Knot = std::pair<int, int>;  // (x, y)
@@ -33,4 +33,4 @@ Curve curveThroughKnots(const std::vector<Knot>& knots);
 std::optional<Curve> decodeCurve(const Json& value, const std::string& where, Diagnostics& diag);
 OrderedJson encodeCurve(const Curve& curve);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

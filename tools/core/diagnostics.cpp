@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 size_t editDistance(std::string_view a, std::string_view b) {
@@ -111,4 +111,4 @@ std::string joinPath(std::string_view base, std::string_view leaf) {
     return std::string(base) + "." + std::string(leaf);
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -11,7 +11,7 @@
 
 #include "field_table.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 using Json = nlohmann::json;                 // parsed sources
 using OrderedJson = nlohmann::ordered_json;  // written documents keep the layout order
@@ -41,4 +41,4 @@ void rejectUnknownKeys(const Json& object, const std::vector<std::string>& known
 // "a.b"; "b" when a is empty; "a b" when a ends with a blank (a table prefix such as "tables[2] (<table type>) ").
 std::string joinPath(std::string_view base, std::string_view leaf);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -10,7 +10,7 @@
 #include "fusion/fusion_fields.h"
 #include "tuning/stage_list.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 Scalar scalarOf(size_t width, bool isSigned) {
@@ -169,4 +169,4 @@ const std::array<bool, kTableBytes>& paddingMask() {
     return mask;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -11,7 +11,7 @@
 
 #include "tuning/file_layout.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 enum class Scalar : uint8_t { U8, I8, U16, I16, U32, I32 };
 
@@ -65,4 +65,4 @@ std::string fieldPath(const FieldDef& field, int gainStep = -1);
 // True for every table byte that no field covers (the records' padding).
 const std::array<bool, kTableBytes>& paddingMask();
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -8,7 +8,7 @@
 #include "hex_text.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 std::string rangeFinding(const std::string& table, const FieldDef& f, int step, int64_t v) {
@@ -85,7 +85,8 @@ Findings headerFindings(const FileHeader& h) {
     Findings out;
     if (!versionMatches(h.verBits)) {
         out.push_back({FindingKind::Version, "header ver = " + describeFloat(h.verBits) +
-                                                 " (the driver reads version 82981 only: it rejects the file)"});
+                                                 " (the driver reads version " + std::to_string(static_cast<long>(ispdsp::tuning::kExpectedVersion)) +
+                                                 " only: it rejects the file)"});
     }
     return out;
 }
@@ -94,8 +95,8 @@ Findings tableFindings(const std::vector<TableEntry>& entries) {
     Findings out;
     if (entries.empty())
         out.push_back({FindingKind::NoTables,
-                       "the block holds no tables (the driver rejects a file of 112 bytes, and can choose no table "
-                       "from an empty block)"});
+                       "the block holds no tables (the driver rejects a file of " + std::to_string(kFileOverhead) +
+                           " bytes, and can choose no table from an empty block)"});
     const std::vector<std::string> labels = tableLabels(entries);
     std::map<int32_t, size_t> first;
     for (size_t i = 0; i < entries.size(); ++i) {
@@ -137,4 +138,4 @@ Findings tableFindings(const std::vector<TableEntry>& entries) {
     return out;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

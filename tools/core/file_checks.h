@@ -7,7 +7,7 @@
 
 #include "param_file_image.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 enum class FindingKind { Truncated, Checksum, IncompleteEntry, Version, NoTables, TableType, Range, Padding };
 
@@ -39,4 +39,4 @@ bool versionMatches(uint32_t verBits);
 // One label per entry: the type name, with " (entry i)" when the type occurs more than once.
 std::vector<std::string> tableLabels(const std::vector<TableEntry>& entries);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -4,7 +4,7 @@
 
 #include "curve_forms.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 uint8_t* stepBytes(TableEntry& t, size_t step) { return t.bytes.data() + ispdsp::tuning::fusionFieldOffset(step, 0); }
@@ -64,4 +64,4 @@ void decodeFusion(const Json& value, TableEntry& table, const std::string& where
     }
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -12,9 +12,9 @@
 #include "diagnostics.h"
 #include "param_file_image.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 OrderedJson encodeFusion(const TableEntry& table);
 void decodeFusion(const Json& value, TableEntry& table, const std::string& where, Diagnostics& diag);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <limits>
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 constexpr const char* kHexDigits = "0123456789abcdef";
@@ -188,4 +188,4 @@ std::string describeFloat(uint32_t bits) {
     return std::string(text, result.ptr);
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -16,7 +16,7 @@
 #include "diagnostics.h"
 #include "param_file_image.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 OrderedJson encodeHeader(const FileHeader& header);
 void decodeHeader(const Json& value, FileHeader& header, const std::string& where, Diagnostics& diag);
@@ -26,4 +26,4 @@ std::string describeText(const TextField& field);
 // A Float32 as shown to people: shortest round-trip decimal, or its bit pattern.
 std::string describeFloat(uint32_t bits);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -1,6 +1,6 @@
 #include "json_writer.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 constexpr size_t kLineWidth = 110;
@@ -84,4 +84,4 @@ std::string writeJson(const OrderedJson& value) {
     return out + "\n";
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

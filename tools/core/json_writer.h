@@ -7,8 +7,8 @@
 
 #include "diagnostics.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 std::string writeJson(const OrderedJson& value);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

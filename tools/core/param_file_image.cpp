@@ -5,7 +5,7 @@
 #include <cstring>
 #include <fstream>
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 using namespace ispdsp::tuning;
@@ -113,4 +113,4 @@ bool writeFileBytes(const std::string& path, const std::vector<uint8_t>& bytes, 
     return true;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

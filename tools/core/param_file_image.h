@@ -12,7 +12,7 @@
 
 #include "field_table.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 using ispdsp::tuning::kFileOverhead;  // header + size word + checksum word
 using ispdsp::tuning::kHeaderBytes;   // ver .. pdtName, the checksummed header words
@@ -70,4 +70,4 @@ std::vector<uint8_t> serializeParamFile(const ParamFileImage& image);
 // Writes a whole file on a host path; false with a message naming the path.
 bool writeFileBytes(const std::string& path, const std::vector<uint8_t>& bytes, std::string& error);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

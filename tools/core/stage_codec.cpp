@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 bool inRecord(const FieldDef& f, const std::string& key) { return key == f.record; }
@@ -84,4 +84,4 @@ void decodeStageRecord(const std::string& key, const Json& value, TableEntry& ta
     }
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

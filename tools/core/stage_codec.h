@@ -14,7 +14,7 @@
 #include "diagnostics.h"
 #include "param_file_image.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 // The stage record keys in table order.
 const std::vector<std::string>& stageRecordKeys();
@@ -25,4 +25,4 @@ void encodeStages(const TableEntry& table, OrderedJson& tableObject);
 void decodeStageRecord(const std::string& key, const Json& value, TableEntry& table, const std::string& where,
                        Diagnostics& diag);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

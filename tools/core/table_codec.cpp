@@ -10,7 +10,7 @@
 #include "stage_codec.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 std::vector<std::string> tableKeys() {
@@ -185,4 +185,4 @@ std::optional<Json> parseJsonText(const std::string& text, Diagnostics& diag) {
     }
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

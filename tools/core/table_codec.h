@@ -21,7 +21,7 @@
 #include "diagnostics.h"
 #include "param_file_image.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 OrderedJson encodeTable(const TableEntry& table);
 OrderedJson encodeDocument(const ParamFileImage& image);
@@ -31,4 +31,4 @@ std::optional<ParamFileImage> decodeDocument(const Json& document, Diagnostics& 
 // Parses JSON text (comments allowed); a syntax error is reported as "line L, column C: ...".
 std::optional<Json> parseJsonText(const std::string& text, Diagnostics& diag);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -6,7 +6,7 @@
 #include "json_writer.h"
 #include "table_codec.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 namespace {
 
 TextField utcNow() {
@@ -65,4 +65,4 @@ std::optional<BuiltParamFile> buildParamFile(const std::string& tuningJson, std:
     return built;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 // The tuning.json text that `dump` writes for a parameter-file image, with what it prints
 // beside it: errors (why the driver rejects the file: checksum, cut short, other version) and
@@ -37,4 +37,4 @@ struct BuildSettings {
 std::optional<BuiltParamFile> buildParamFile(const std::string& tuningJson, std::vector<std::string>& errors,
                                              const BuildSettings& settings = {});
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

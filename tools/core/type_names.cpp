@@ -3,7 +3,7 @@
 
 #include "tuning/table_types.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 std::string tableTypeName(int32_t type) {
     const ispdsp::tuning::TypeName name = ispdsp::tuning::tableTypeName(type);
@@ -17,4 +17,4 @@ std::optional<int32_t> tableTypeFromName(std::string_view name) {
     return std::nullopt;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -8,7 +8,7 @@
 
 #include "ispdsp/param_table.h"
 
-namespace ispcfg {
+namespace ispdsp::tools {
 
 inline constexpr int32_t kTableTypes = PARAM_TABLE_TYPE_NUM;
 
@@ -17,4 +17,4 @@ std::string tableTypeName(int32_t type);
 // The type of a name, or nothing.
 std::optional<int32_t> tableTypeFromName(std::string_view name);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools

@@ -23,7 +23,7 @@ namespace {
 
 using tuning::kSceneBlocksInMapOrder;
 
-std::string typeName(Int32 type) { return ispcfg::tableTypeName(type); }
+std::string typeName(Int32 type) { return ispdsp::tools::tableTypeName(type); }
 
 std::string typeOf(std::size_t width, bool isSigned) {
     return std::string(isSigned ? "Int" : "Uint") + std::to_string(8 * width);
@@ -147,7 +147,7 @@ void selectVersusFrames(std::ostream& out) {
            "`sceneMode` 2, as `select --scene-mode 2` does.\n\n";
 }
 
-void fusionFields(std::ostream& out, const ispcfg::TableEntry& sample) {
+void fusionFields(std::ostream& out, const ispdsp::tools::TableEntry& sample) {
     out << "## Fusion: sixteen records per table, one per gain step\n\n"
         << "`ispFusionFlag` switches the per-frame fusion update on (nonzero) or off for the table. "
            "Each table stores " << tuning::kGainSteps
@@ -159,9 +159,9 @@ void fusionFields(std::ostream& out, const ispcfg::TableEntry& sample) {
         << "| Field | Type | Range | Unit | Meaning | Sample | Console command |\n|---|---|---|---|---|---|---|\n";
     for (Int32 i = 0; i < fusion::kScalarFieldCount; ++i) {
         const fusion::ScalarField& f = fusion::kScalarFields[i];
-        const ispcfg::FieldDef& def = ispcfg::fusionFields()[static_cast<std::size_t>(i)];
+        const ispdsp::tools::FieldDef& def = ispdsp::tools::fusionFields()[static_cast<std::size_t>(i)];
         const auto at = [&](std::size_t step) {
-            return ispcfg::loadField(sample.bytes.data() + ispcfg::tableOffsetOf(def, step), def.type);
+            return ispdsp::tools::loadField(sample.bytes.data() + ispdsp::tools::tableOffsetOf(def, step), def.type);
         };
         std::string command = "—";
         for (const CMD_DrvIspTable* c = drvIspParam; c->name != nullptr; ++c) {
@@ -190,7 +190,7 @@ void fusionFields(std::ostream& out, const ispcfg::TableEntry& sample) {
            "new tuning source.\n\n";
 }
 
-void stageFields(std::ostream& out, const ispcfg::TableEntry& sample) {
+void stageFields(std::ostream& out, const ispdsp::tools::TableEntry& sample) {
     out << "## Stage records\n\n"
            "Every table stores one record per stage. The host calculates each stage's DSP message from "
            "its record; the calculation holds every field to the range below (a field whose range is "
@@ -206,12 +206,12 @@ void stageFields(std::ostream& out, const ispcfg::TableEntry& sample) {
             const tuning::Range r = tuning::enforcedRange(stage, f);
             const int id = tuning::debugIdOf(stage, f);
             const std::size_t at = stage.tableOffset + f.offset;
-            const ispcfg::Scalar scalar = f.width == 1   ? (f.isSigned ? ispcfg::Scalar::I8 : ispcfg::Scalar::U8)
-                                          : f.width == 2 ? (f.isSigned ? ispcfg::Scalar::I16 : ispcfg::Scalar::U16)
-                                                         : (f.isSigned ? ispcfg::Scalar::I32 : ispcfg::Scalar::U32);
+            const ispdsp::tools::Scalar scalar = f.width == 1   ? (f.isSigned ? ispdsp::tools::Scalar::I8 : ispdsp::tools::Scalar::U8)
+                                          : f.width == 2 ? (f.isSigned ? ispdsp::tools::Scalar::I16 : ispdsp::tools::Scalar::U16)
+                                                         : (f.isSigned ? ispdsp::tools::Scalar::I32 : ispdsp::tools::Scalar::U32);
             out << "| `" << f.name << "` | " << typeOf(f.width, f.isSigned) << " | " << rangeText(r.low, r.high)
                 << " | " << orDash(f.unit) << " | " << f.meaning << " | "
-                << ispcfg::loadField(sample.bytes.data() + at, scalar) << " | "
+                << ispdsp::tools::loadField(sample.bytes.data() + at, scalar) << " | "
                 << (id >= 0 ? std::to_string(id) : std::string("—")) << " |\n";
         }
         out << '\n';
@@ -243,7 +243,7 @@ std::string exampleSource() {
 bool sourceFormat(std::ostream& out) {
     std::vector<std::string> errors;
     const std::string example = exampleSource();
-    if (!ispcfg::buildParamFile(example, errors)) {
+    if (!ispdsp::tools::buildParamFile(example, errors)) {
         for (const std::string& e : errors) std::cerr << "example source: " << e << '\n';
         return false;
     }
@@ -289,12 +289,12 @@ int main(int argc, char** argv) {
     std::ifstream in(argv[1], std::ios::binary);
     const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     std::string error;
-    const auto parsed = ispcfg::parseParamFile(bytes, error);
+    const auto parsed = ispdsp::tools::parseParamFile(bytes, error);
     if (!parsed || parsed->image.entries.empty()) {
         std::cerr << argv[1] << ": " << (error.empty() ? "no table" : error) << '\n';
         return 1;
     }
-    const ispcfg::TableEntry& sample = parsed->image.entries.front();
+    const ispdsp::tools::TableEntry& sample = parsed->image.entries.front();
     std::ostringstream out;
     out << "# Tuner's reference\n\n"
            "<!-- Generated from the tuning description (src/tuning) by tools/reference; do not edit. "

@@ -4,7 +4,7 @@
 #include "commands.h"
 #include "tuning_codec.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 
 int runBuild(const BuildOptions& o, std::ostream& out, std::ostream& err) {
     const std::optional<std::string> source = loadJsonSourceFor(o.source, err);
@@ -25,4 +25,4 @@ int runBuild(const BuildOptions& o, std::ostream& out, std::ostream& err) {
     return built->warnings.empty() ? kExitOk : kExitFindings;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

@@ -3,7 +3,7 @@
 #include "header_codec.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 
 int runCheck(const std::string& input, std::ostream& out, std::ostream& err) {
     const std::optional<LoadedParamFile> loaded = loadParamFileFor(input, err);
@@ -41,4 +41,4 @@ int runCheck(const std::string& input, std::ostream& out, std::ostream& err) {
     return findings.empty() ? kExitOk : kExitFindings;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

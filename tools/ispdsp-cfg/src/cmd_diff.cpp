@@ -8,7 +8,7 @@
 #include "param_file_image.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 namespace {
 
 // Tables are paired by type and, for a repeated type, by occurrence.
@@ -49,7 +49,7 @@ void diffTable(const std::string& label, const TableEntry& a, const TableEntry& 
         }
         if (differing != 0) {
             out.push_back(label + " fusion[" + std::to_string(step) + "].w_nir: " + std::to_string(differing) +
-                          " of 511 points differ (first [" + std::to_string(first) + "]: " +
+                          " of " + std::to_string(kNirPoints) + " points differ (first [" + std::to_string(first) + "]: " +
                           std::to_string(a.bytes[at + first]) + " -> " + std::to_string(b.bytes[at + first]) + ")");
         }
     }
@@ -147,4 +147,4 @@ int runDiff(const std::string& pathA, const std::string& pathB, std::ostream& ou
     return diffs.empty() ? kExitOk : kExitFindings;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

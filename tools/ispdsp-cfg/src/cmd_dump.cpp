@@ -7,7 +7,7 @@
 #include "input_file.h"
 #include "tuning_codec.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 
 int runDump(const DumpOptions& o, std::ostream& out, std::ostream& err) {
     const auto in = ispdsp::tools::readInputFileOfKind(o.input, ispdsp::tools::FileKind::ParamFile);
@@ -27,4 +27,4 @@ int runDump(const DumpOptions& o, std::ostream& out, std::ostream& err) {
     return dumped->errors.empty() && dumped->warnings.empty() ? kExitOk : kExitFindings;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

@@ -9,7 +9,7 @@
 #include "param_file_image.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 namespace {
 
 constexpr int kColumns = 6;
@@ -182,4 +182,4 @@ int runPlot(const PlotOptions& o, std::ostream& out, std::ostream& err) {
     return rejected ? kExitFindings : kExitOk;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

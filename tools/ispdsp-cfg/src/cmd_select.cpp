@@ -7,7 +7,7 @@
 #include "param_file_image.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 namespace {
 
 // Types the file has (a later entry of a type replaces an earlier one, as in the driver).
@@ -105,4 +105,4 @@ int runSelect(const SelectOptions& o, std::ostream& out, std::ostream& err) {
     return failures == 0 ? kExitOk : kExitFindings;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

@@ -3,7 +3,7 @@
 #include "input_file.h"
 #include "output_file.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 
 using ispdsp::tools::FileKind;
 
@@ -53,4 +53,4 @@ bool writeOutput(const std::string& path, const std::string& bytes, std::ostream
     return true;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

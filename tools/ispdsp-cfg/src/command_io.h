@@ -11,7 +11,7 @@
 #include "file_checks.h"
 #include "param_file_image.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 
 // Exit status, stated in --help: 0 ok; 1 the input has errors or warnings (diff: the files
 // differ); 2 the command could not do its work (usage, an unreadable input or one of another
@@ -46,4 +46,4 @@ std::optional<std::string> loadJsonSourceFor(const std::string& path, std::ostre
 bool writeOutput(const std::string& path, const std::string& bytes, std::ostream& out, std::ostream& err,
                  const std::vector<std::string>& inputs, bool replace);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

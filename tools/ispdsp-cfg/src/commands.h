@@ -9,7 +9,7 @@
 #include "command_io.h"
 #include "selection_rules.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 
 struct BuildOptions {
     std::string source;      // JSON source
@@ -45,4 +45,4 @@ struct PlotOptions {
 };
 int runPlot(const PlotOptions& options, std::ostream& out, std::ostream& err);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

@@ -9,7 +9,7 @@
 #include "ispdsp_host/scoped.h"
 #include "param_file_image.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 namespace {
 
 // The library's log lines, collected.
@@ -83,4 +83,4 @@ std::array<bool, 120> LibraryTables::registered() const {
     return r;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

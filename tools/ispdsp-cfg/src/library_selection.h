@@ -10,7 +10,7 @@
 
 #include "selection_rules.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 
 struct LibraryChoice {
     bool ok = false;                 // DRV_ispChooseCurParamDSP returned 0
@@ -40,4 +40,4 @@ private:
     std::vector<std::string> log_;
 };
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

@@ -13,6 +13,8 @@
 
 namespace {
 
+namespace cfg = ispdsp::tools::cfg;
+
 // The source format, with a real table type name in its example.
 std::string sourceFormat() {
     return R"(JSON source format:
@@ -20,7 +22,7 @@ std::string sourceFormat() {
     "header": {"ver": 82981.0, "dateTime": "2024-05-06 10:00:00", "subVer": 1.0,
                "archName": "chip", "pdtName": "product"},
     "tables": [
-      {"type": ")" + ispcfg::tableTypeName(0) + R"(",          // PARAM_TABLE_TYPE name; each type once
+      {"type": ")" + ispdsp::tools::tableTypeName(0) + R"(",          // PARAM_TABLE_TYPE name; each type once
        "ispFusionFlag": 1,
        "fusion": [                          // 16 gain steps, step 0 first
          {"ep_delta": 64, "fusion_hf_ratio": 200, ... 26 scalar fields ...,
@@ -33,15 +35,15 @@ std::string sourceFormat() {
   }
   Fields carry the names of the stored records. Missing fields and records are 0; unknown
   names are errors. Tables are written in the order listed. Comments are allowed.
-  w_nir (511 points, 0..255) is one of:
+  w_nir ()" + std::to_string(ispdsp::tuning::kNirPoints) + R"( points, 0..255) is one of:
     [v0, ..., v510]            every point
     {"constant": v}            all points v
     {"ramp": [from, to]}       straight line from point 0 to point 510
     {"knots": [[x, y], ...]}   piecewise linear, x rising in 0..510, flat outside the knots
   (between knots: rounded half away from zero). Header texts are up to 32 bytes of UTF-8, or
-  {"hex": "..."} for raw bytes; versions are numbers, or {"bits": "0x47A21280"}.
+  {"hex": "..."} for raw bytes; versions are numbers, or {"bits": ")" + ispdsp::tools::hexText(ispdsp::tools::kExpectedVersionBits, 8) + R"("}.
   Values must fit their field's type; values outside the DSP's range are warnings (`check`).
-  A source the driver would reject (no table, a version other than 82981) is not written.
+  A source the driver would reject (no table, a version other than )" + std::to_string(static_cast<long>(ispdsp::tuning::kExpectedVersion)) + R"() is not written.
   Padding bytes are written as 0, so dump/build normalise them.)";
 }
 
@@ -79,7 +81,7 @@ int commandLineMistake(const CLI::App& app, const CLI::ParseError& e, int argc, 
         << (unknownCommand ? "'" + std::string(argv[1]) + "' is not a command: " + kCommands
                            : ispdsp::tools::commandLineProblem(e.what(), kCommands))
         << " (ispdsp-cfg --help)\n";
-    return ispcfg::kExitError;
+    return cfg::kExitError;
 }
 
 int runTool(int argc, char** argv, std::ostream& err) {
@@ -87,9 +89,9 @@ int runTool(int argc, char** argv, std::ostream& err) {
     app.require_subcommand(1);
     app.set_version_flag("--version", "ispdsp-cfg " ISPDSP_VERSION);
     app.footer(kFooter);
-    int status = ispcfg::kExitOk;
+    int status = cfg::kExitOk;
 
-    ispcfg::BuildOptions build;
+    cfg::BuildOptions build;
     auto* buildCmd = app.add_subcommand("build", "JSON source -> binary parameter file");
     buildCmd->add_option("source", build.source, "JSON source")->required();
     buildCmd->add_option("-o,--output", build.output, "binary parameter file to write, - for standard output")
@@ -97,22 +99,22 @@ int runTool(int argc, char** argv, std::ostream& err) {
     buildCmd->add_flag("--stamp-date", build.stampDate, "set dateTime to the current UTC time");
     buildCmd->add_flag("--force", build.force, kForceHelp);
     buildCmd->footer(sourceFormat());
-    buildCmd->callback([&] { status = ispcfg::runBuild(build, std::cout, err); });
+    buildCmd->callback([&] { status = cfg::runBuild(build, std::cout, err); });
 
-    ispcfg::DumpOptions dump;
+    cfg::DumpOptions dump;
     auto* dumpCmd = app.add_subcommand("dump", "binary parameter file -> JSON source (build of it is byte-identical)");
     dumpCmd->add_option("file", dump.input, "binary parameter file")->required();
     dumpCmd->add_option("-o,--output", dump.output, "JSON file to write (default and -: standard output)");
     dumpCmd->add_flag("--force", dump.force, kForceHelp);
-    dumpCmd->callback([&] { status = ispcfg::runDump(dump, std::cout, err); });
+    dumpCmd->callback([&] { status = cfg::runDump(dump, std::cout, err); });
 
     std::string checkInput;
     auto* checkCmd = app.add_subcommand(
         "check", "version, checksum, block layout, table types and every field against the DSP's ranges");
     checkCmd->add_option("file", checkInput, "binary parameter file")->required();
-    checkCmd->callback([&] { status = ispcfg::runCheck(checkInput, std::cout, err); });
+    checkCmd->callback([&] { status = cfg::runCheck(checkInput, std::cout, err); });
 
-    ispcfg::SelectOptions select;
+    cfg::SelectOptions select;
     auto* selectCmd =
         app.add_subcommand("select", "which table a camera state chooses and why (the library's choice, explained)");
     selectCmd->add_option("file", select.input, "binary parameter file")->required();
@@ -131,21 +133,21 @@ int runTool(int argc, char** argv, std::ostream& err) {
                      "imageScene: 0 base, 1 traffic, 2 face, 4 IVS, 5..13 other scenes")
         ->default_val(0)
         ->excludes(all);
-    selectCmd->callback([&] { status = ispcfg::runSelect(select, std::cout, err); });
+    selectCmd->callback([&] { status = cfg::runSelect(select, std::cout, err); });
 
     std::string diffA, diffB;
     auto* diffCmd = app.add_subcommand("diff", "differences between two files by header, table and field");
     diffCmd->add_option("a", diffA, "first file")->required();
     diffCmd->add_option("b", diffB, "second file")->required();
-    diffCmd->callback([&] { status = ispcfg::runDiff(diffA, diffB, std::cout, err); });
+    diffCmd->callback([&] { status = cfg::runDiff(diffA, diffB, std::cout, err); });
 
-    ispcfg::PlotOptions plot;
+    cfg::PlotOptions plot;
     auto* plotCmd = app.add_subcommand("plot", "SVG of one table's fusion parameters and NIR weight curves");
     plotCmd->add_option("file", plot.input, "binary parameter file")->required();
-    plotCmd->add_option("--table", plot.table, "PARAM_TABLE_TYPE name, e.g. " + ispcfg::tableTypeName(0))->required();
+    plotCmd->add_option("--table", plot.table, "PARAM_TABLE_TYPE name, e.g. " + ispdsp::tools::tableTypeName(0))->required();
     plotCmd->add_option("-o,--output", plot.output, "SVG file to write, - for standard output")->required();
     plotCmd->add_flag("--force", plot.force, kForceHelp);
-    plotCmd->callback([&] { status = ispcfg::runPlot(plot, std::cout, err); });
+    plotCmd->callback([&] { status = cfg::runPlot(plot, std::cout, err); });
 
     try {
         app.parse(argc, argv);
@@ -160,13 +162,13 @@ int runTool(int argc, char** argv, std::ostream& err) {
 
 int main(int argc, char** argv) {
     ispdsp::tools::ProgramMessages err("ispdsp-cfg");
-    int status = ispcfg::kExitError;
+    int status = cfg::kExitError;
     try {
         status = runTool(argc, argv, err);
     } catch (const std::exception& e) {  // a fault of the tool: no input should end it here
         err << "error: internal error: " << e.what() << "\n";
-        status = ispcfg::kExitError;
+        status = cfg::kExitError;
     }
-    if (!standardOutputWritten(err)) status = ispcfg::kExitError;
+    if (!standardOutputWritten(err)) status = cfg::kExitError;
     return status;
 }

@@ -6,7 +6,7 @@
 #include "tuning/table_types.h"
 #include "type_names.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 namespace {
 
 using ispdsp::tuning::kSceneBlocksInMapOrder;
@@ -61,10 +61,8 @@ std::string sceneName(int32_t imageScene) {
 
 Selection explainSelection(const CameraState& state, const std::array<bool, 120>& present) {
     Selection s;
-    const uint32_t isBlackWhite = state.realDncMode == 0 ? 1 : 0;
-    const uint32_t isHDR = (state.hdrMode & ~4) != 0 ? 1 : 0;
-    const uint32_t isWDR = state.hdrMode != 0 ? 1 : 0;
-    const uint32_t sceneMode = state.sceneMode == 2 ? 2 : 0;
+    const auto [isBlackWhite, isHDR, isWDR, sceneMode] =
+        ispdsp::tuning::rowPatternOf(state.realDncMode, state.hdrMode, state.sceneMode);
     const auto imageScene = static_cast<uint32_t>(state.imageScene);
     s.steps.push_back("state: " + std::string(isBlackWhite ? "black-and-white" : "colour") + ", " +
                       (isHDR   ? "HDR"
@@ -141,4 +139,4 @@ Selection explainSelection(const CameraState& state, const std::array<bool, 120>
     return s;
 }
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

@@ -10,7 +10,7 @@
 
 #include "tuning/table_types.h"
 
-namespace ispcfg {
+namespace ispdsp::tools::cfg {
 
 inline constexpr uint32_t kMapRows = ispdsp::tuning::kStateMapRows;
 
@@ -48,4 +48,4 @@ struct Selection {
 // present[t]: the file has a table of type t (the last entry of a type counts).
 Selection explainSelection(const CameraState& state, const std::array<bool, 120>& present);
 
-}  // namespace ispcfg
+}  // namespace ispdsp::tools::cfg

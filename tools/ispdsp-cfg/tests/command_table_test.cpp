@@ -12,7 +12,8 @@
 
 namespace {
 
-using namespace ispcfg;
+using namespace ispdsp::tools;
+using namespace ispdsp::tools::cfg;
 using namespace ispcfg_test;
 
 struct CommandCase {

@@ -14,7 +14,7 @@
 
 namespace {
 
-using namespace ispcfg;
+using namespace ispdsp::tools;
 
 // True when `check`'s range findings flag `value` in `field` of an otherwise clean table.
 bool toolFlags(const FieldDef& field, size_t at, int64_t value) {

@@ -10,7 +10,8 @@
 
 namespace {
 
-using namespace ispcfg;
+using namespace ispdsp::tools;
+using namespace ispdsp::tools::cfg;
 using namespace ispcfg_test;
 
 struct Seeded {

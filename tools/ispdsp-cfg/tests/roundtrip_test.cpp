@@ -13,7 +13,8 @@
 
 namespace {
 
-using namespace ispcfg;
+using namespace ispdsp::tools;
+using namespace ispdsp::tools::cfg;
 using namespace ispcfg_test;
 
 // Through the executable, both ways on standard output ("-o -").

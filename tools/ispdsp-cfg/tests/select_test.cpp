@@ -9,7 +9,8 @@
 
 namespace {
 
-using namespace ispcfg;
+using namespace ispdsp::tools;
+using namespace ispdsp::tools::cfg;
 using namespace ispcfg_test;
 
 // The sample's first table under each type of a set: direct hits, the IVS partners, the

@@ -26,15 +26,15 @@ inline std::string sampleSourcePath() { return sampleDir() + "/tuning.json"; }
 inline std::string sampleBinaryPath() { return sampleDir() + "/dsp_isp_para.bin"; }
 
 // The committed sample binary, taken apart.
-inline ispcfg::ParamFileImage sampleImage() {
+inline ispdsp::tools::ParamFileImage sampleImage() {
     std::string error;
-    const auto file = ispcfg::parseParamFile(readBytes(sampleBinaryPath()), error);
+    const auto file = ispdsp::tools::parseParamFile(readBytes(sampleBinaryPath()), error);
     EXPECT_TRUE(file) << error;
-    return file ? file->image : ispcfg::ParamFileImage{};
+    return file ? file->image : ispdsp::tools::ParamFileImage{};
 }
 
 // The last entry of a type; fails the test when there is none.
-inline ispcfg::TableEntry& tableOf(ispcfg::ParamFileImage& image, int32_t type) {
+inline ispdsp::tools::TableEntry& tableOf(ispdsp::tools::ParamFileImage& image, int32_t type) {
     for (auto it = image.entries.rbegin(); it != image.entries.rend(); ++it)
         if (it->type == type) return *it;
     ADD_FAILURE() << "no table of type " << type;
@@ -43,14 +43,14 @@ inline ispcfg::TableEntry& tableOf(ispcfg::ParamFileImage& image, int32_t type) 
 
 // Stores `value` into the field named by its path ("fusion", step 3, "ep_delta" or
 // "ispLaeParam.windowLaeParam", -1, "gbce_level"), wrapped to the field's width.
-inline void setField(ispcfg::TableEntry& table, const std::string& record, int step, const std::string& name,
+inline void setField(ispdsp::tools::TableEntry& table, const std::string& record, int step, const std::string& name,
                      int64_t value) {
-    for (const ispcfg::FieldDef& f : ispcfg::allFields()) {
+    for (const ispdsp::tools::FieldDef& f : ispdsp::tools::allFields()) {
         if ((f.group[0] != '\0' ? std::string(f.record) + "." + f.group : f.record) != record || name != f.name)
             continue;
         const size_t at =
-            record == "fusion" ? ispcfg::kFusionOffset + static_cast<size_t>(step) * ispcfg::kStepBytes : 0;
-        return ispcfg::storeField(table.bytes.data() + at + f.offset, f.type, value);
+            record == "fusion" ? ispdsp::tools::kFusionOffset + static_cast<size_t>(step) * ispdsp::tools::kStepBytes : 0;
+        return ispdsp::tools::storeField(table.bytes.data() + at + f.offset, f.type, value);
     }
     ADD_FAILURE() << "no field " << record << "." << name;
 }

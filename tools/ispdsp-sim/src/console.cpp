@@ -16,7 +16,7 @@
 #include <readline/readline.h>
 #endif
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 // argp has 33 entries and the one after the last argument must be null.
@@ -135,4 +135,4 @@ ConsoleEnd Console::run(bool allowContinue) {
     return ConsoleEnd::EndOfInput;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -13,7 +13,7 @@
 #include "pipe_pair.h"
 #include "reporter.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 struct ConsoleOptions {
     int pipe = kColorPipe;
@@ -60,4 +60,4 @@ private:
     bool interactive_;
 };
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

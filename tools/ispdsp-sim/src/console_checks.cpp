@@ -8,7 +8,7 @@
 
 #include "fusion/fusion_fields.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -54,4 +54,4 @@ std::vector<std::string> consoleValueWarnings(const std::vector<std::string>& ar
     return warnings;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

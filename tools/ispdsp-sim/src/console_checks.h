@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 // One warning per value that the driver will read or store differently from
 // what was typed; empty when every value is taken as written.
 std::vector<std::string> consoleValueWarnings(const std::vector<std::string>& args);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <filesystem>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -80,4 +80,4 @@ std::string sampleDirectory(const std::string& buildDir, const std::string& sour
     return (dir / installedRelative).lexically_normal().string();
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -9,7 +9,7 @@
 #include "ispdsp/driver.h"
 #include "ispdsp/rlr.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 // Exported functions of the driver library, by C signature.
 struct DriverApi {
@@ -52,4 +52,4 @@ std::string defaultLibraryPath(const std::string& builtPath);
 std::string sampleDirectory(const std::string& buildDir, const std::string& sourceDir,
                             const std::string& installedRelative);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -9,7 +9,7 @@
 #include "message_decoder.h"
 #include "names.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -143,4 +143,4 @@ Event byteTableSummary(const std::vector<uint8_t>& points, bool all) {
     return summary;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -12,7 +12,7 @@
 #include "ispdsp/driver.h"
 #include "reporter.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 struct DspEndpointOptions {
     bool curves = false;  // all 511 NIR curve points in message events
@@ -34,4 +34,4 @@ DRV_ispSetDrvFlagFn flagCallback();
 // Summary of a byte table for events: min, max, mean, first points (or all).
 Event byteTableSummary(const std::vector<uint8_t>& points, bool all);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

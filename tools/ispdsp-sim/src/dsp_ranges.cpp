@@ -5,7 +5,7 @@
 #include "fusion/fusion_fields.h"
 #include "tuning/stage_list.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -39,4 +39,4 @@ Event outOfRange(const DecodedMessage& decoded) {
     return out;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -6,10 +6,10 @@
 #include "message_decoder.h"
 #include "reporter.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 // {"field": {"value", "min", "max"}} for each field outside its range; empty
 // when every value is inside (or the stage has no ranges).
 Event outOfRange(const DecodedMessage& decoded);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -1,7 +1,7 @@
 // JSON lines: one event per line, for scripts.
 #include "reporter.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -25,4 +25,4 @@ private:
 
 std::unique_ptr<Formatter> makeJsonFormatter(std::FILE* out) { return std::make_unique<JsonFormatter>(out); }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

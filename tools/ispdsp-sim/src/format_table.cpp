@@ -9,7 +9,7 @@
 
 #include "reporter.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -279,4 +279,4 @@ std::unique_ptr<Formatter> makeTableFormatter(std::FILE* out, TableOptions optio
     return std::make_unique<TableFormatter>(out, options);
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

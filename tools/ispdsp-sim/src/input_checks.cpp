@@ -5,7 +5,7 @@
 #include "input_file.h"
 #include "output_file.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 std::optional<std::string> checkInputFiles(const Options& options) {
     using ispdsp::tools::FileKind;
@@ -51,4 +51,4 @@ std::optional<std::string> checkOutputFiles(const Options& options) {
     return std::nullopt;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

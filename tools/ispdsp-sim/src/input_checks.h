@@ -10,7 +10,7 @@
 
 #include "options.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 // The first problem, as "--rlr PATH: seems to be an ISP parameter file, not an
 // RLR table file"; nothing when every file is fine.
@@ -23,4 +23,4 @@ std::vector<std::string> runInputs(const Options& options);
 // existing file without --force, the same file for both; nothing when both may be.
 std::optional<std::string> checkOutputFiles(const Options& options);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

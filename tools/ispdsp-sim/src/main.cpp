@@ -10,6 +10,7 @@
 #include "diagnostic.h"
 #include "driver_library.h"
 #include "options.h"
+#include "sim_sandbox.h"
 
 #ifndef ISPDSP_SIM_DEFAULT_LIBRARY
 #define ISPDSP_SIM_DEFAULT_LIBRARY "libispdsp.so"
@@ -31,7 +32,7 @@ namespace {
 
 std::string sample(const char* name) {
     static const std::string dir =
-        ispsim::sampleDirectory(ISPDSP_SIM_BUILD_DIR, ISPDSP_SIM_SAMPLE_DIR, ISPDSP_SIM_INSTALLED_SAMPLE_DIR);
+        ispdsp::tools::sim::sampleDirectory(ISPDSP_SIM_BUILD_DIR, ISPDSP_SIM_SAMPLE_DIR, ISPDSP_SIM_INSTALLED_SAMPLE_DIR);
     return dir + "/" + name;
 }
 
@@ -86,13 +87,13 @@ sandbox removed).)";
 }  // namespace
 
 int main(int argc, char** argv) {
-    ispsim::Options options;
+    ispdsp::tools::sim::Options options;
     CLI::App app{"ispdsp-sim: host simulator for the ISP-DSP driver library (colour/mono fusion pair)", "ispdsp-sim"};
     app.footer(kFooter);
     app.set_version_flag("--version", std::string("ispdsp-sim ") + ISPDSP_VERSION);
 
     options.scenario = sample("scenarios/gain_sweep.json");
-    options.library = ispsim::defaultLibraryPath(ISPDSP_SIM_DEFAULT_LIBRARY);
+    options.library = ispdsp::tools::sim::defaultLibraryPath(ISPDSP_SIM_DEFAULT_LIBRARY);
     options.tuning = sample("dsp_isp_para.bin");
     std::string calibration = sample("calibration.txt");
     std::string nir = sample("nir.txt");
@@ -106,24 +107,25 @@ int main(int argc, char** argv) {
 
     app.add_option("scenario", options.scenario, "scenario file (JSON)")->capture_default_str();
     app.add_option("--lib", options.library, "driver library to dlopen")->capture_default_str();
-    auto* rootOption = app.add_option("--root", root, "sandbox root (ISPDSP_ROOT); default: a temporary folder");
+    auto* rootOption = app.add_option("--root", root, "sandbox root; default: a temporary folder");
     app.add_flag("--keep-root", options.keepRoot, "keep the temporary sandbox root");
-    app.add_option("--tuning", options.tuning, "parameter file, placed at /var/tmp/dsp_isp_para.bin")
+    app.add_option("--tuning", options.tuning, "parameter file, placed at " + ispdsp::tools::sim::tuningDevicePath())
         ->capture_default_str();
     auto* monoOption = app.add_option("--mono-tuning", monoTuning,
-                                      "a second parameter file for the mono pipe: the files go to "
-                                      "/var/tmp/0/ and /var/tmp/1/ instead");
+                                      "a second parameter file for the mono pipe: the files go to " +
+                                          std::string(ispdsp::tuning::kParamFileDir) + "0/ and " +
+                                          ispdsp::tuning::kParamFileDir + "1/ instead");
     auto* calibrationOption = app.add_option("--calibration", calibration,
-                                             "registration file, placed at /var/tmp/calibration.txt")
+                                             "registration file, placed at " + ispdsp::tools::sim::calibrationDevicePath())
                                   ->capture_default_str();
     bool withoutCalibration = false;
     auto* noCalibration = app.add_flag("--no-calibration", withoutCalibration, "run without a registration file");
     calibrationOption->excludes(noCalibration);
-    app.add_option("--nir", nir, "NIR curve file for the console's w_nir command, placed at /tmp/nir.txt")
+    app.add_option("--nir", nir, std::string("NIR curve file for the console's w_nir command, placed at ") + ispdsp::tuning::kNirCurvePath)
         ->capture_default_str();
     auto* rlrOption = app.add_option("--rlr", rlr,
-                                     "load RLR tables at setup (DRV_loadRlrCfg) from FILE, placed at "
-                                     "/var/custom/rlr_para.bin; default FILE: the sample")
+                                     std::string("load RLR tables at setup (DRV_loadRlrCfg) from FILE, placed at ") +
+                                         ispdsp::tuning::kRlrPath + "; default FILE: the sample")
                           ->expected(0, 1);
     app.add_flag("--stages", options.stages, "also calculate and send the smaller stages from the current table");
     auto* framesOption = app.add_option("--frames", frames, "number of frames (replaces the scenario's count)")
@@ -158,7 +160,7 @@ int main(int argc, char** argv) {
         if (e.get_exit_code() == 0) return app.exit(e);  // the help or the version
         ispdsp::tools::ProgramMessages("ispdsp-sim")
             << ispdsp::tools::plainError(ispdsp::tools::commandLineProblem(e.what(), "") + " (ispdsp-sim --help)");
-        return ispsim::kExitUsage;
+        return ispdsp::tools::sim::kExitUsage;
     }
 
     if (rootOption->count() > 0) options.root = std::filesystem::absolute(root).string();
@@ -169,10 +171,10 @@ int main(int argc, char** argv) {
     if (framesOption->count() > 0) options.frames = frames;
     if (outputOption->count() > 0 && output != "-") options.output = output;
     if (saveOption->count() > 0) options.saveTuning = saveTuning;
-    options.consolePipe = pipe == "mono" ? ispsim::kMonoPipe : ispsim::kColorPipe;
+    options.consolePipe = pipe == "mono" ? ispdsp::tools::sim::kMonoPipe : ispdsp::tools::sim::kColorPipe;
     options.langue = lang == "zh" ? 1 : 0;
-    if (progressAlways) options.progress = ispsim::Options::ProgressMode::On;
-    if (progressNever) options.progress = ispsim::Options::ProgressMode::Off;
+    if (progressAlways) options.progress = ispdsp::tools::sim::Options::ProgressMode::On;
+    if (progressNever) options.progress = ispdsp::tools::sim::Options::ProgressMode::Off;
 
-    return ispsim::runSimulation(options);
+    return ispdsp::tools::sim::runSimulation(options);
 }

@@ -5,7 +5,7 @@
 #include "fusion/fusion_fields.h"
 #include "tuning/stage_list.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -163,4 +163,4 @@ DecodedMessage decodeMessage(const DSP_AEW_CFG_S& message, bool followAddresses)
     return out;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

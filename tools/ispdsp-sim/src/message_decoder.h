@@ -15,7 +15,7 @@
 #include "ispdsp/dsp_config.h"
 #include "ispdsp/fusion.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 enum class WireType { U8, S8, U16, S16, U32, S32, Address };
 
@@ -67,4 +67,4 @@ DecodedMessage decodeMessage(const DSP_AEW_CFG_S& message, bool followAddresses)
 // Field value as the wire holds it (little-endian host).
 int64_t readField(std::span<const uint8_t> bytes, size_t offset, WireType type);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -6,7 +6,7 @@
 #include "ispdsp/param_table.h"
 #include "tuning/table_types.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 std::string tableTypeName(uint32_t type) {
     const ispdsp::tuning::TypeName name = ispdsp::tuning::tableTypeName(static_cast<int32_t>(type));
@@ -35,4 +35,4 @@ const char* imageSceneName(int scene) {
 
 const char* pipeName(int pipe) { return pipe == kColorPipe ? "color" : pipe == kMonoPipe ? "mono" : "?"; }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 // The name of a table type (from the tuning description); "?" outside 0..119.
 std::string tableTypeName(uint32_t type);
@@ -23,4 +23,4 @@ const char* imageSceneName(int scene);  // "" when the number has no scene
 enum PipeIndex : int { kColorPipe = 0, kMonoPipe = 1, kPipeCount = 2 };
 const char* pipeName(int pipe);  // "color", "mono"
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -7,7 +7,7 @@
 
 #include "names.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 struct Options {
     std::string scenario;                 // scenario file
@@ -43,4 +43,4 @@ inline constexpr int kExitInterrupted = 130;  // SIGINT/SIGTERM/SIGHUP: the run 
 // Runs the simulator; messages for failures go to stderr.
 int runSimulation(const Options& options);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

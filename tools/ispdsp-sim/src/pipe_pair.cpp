@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstring>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -222,4 +222,4 @@ void PipePair::teardown() {
     reporter_.context().op.clear();
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

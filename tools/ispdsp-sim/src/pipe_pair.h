@@ -16,7 +16,7 @@
 #include "scenario.h"
 #include "stage_sender.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 class PipePair {
 public:
@@ -70,4 +70,4 @@ private:
     std::string failure_;
 };
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

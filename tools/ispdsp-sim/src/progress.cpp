@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 constexpr int kBarWidth = 40;
@@ -32,4 +32,4 @@ void Progress::finish() {
     enabled_ = false;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

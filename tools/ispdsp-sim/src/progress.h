@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 class Progress {
 public:
@@ -20,4 +20,4 @@ private:
     int shown_ = -1;  // percent last drawn
 };
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

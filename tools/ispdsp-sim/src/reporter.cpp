@@ -7,7 +7,7 @@
 #include "printable_text.h"
 #include "text_encoding.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 Reporter::Reporter(std::unique_ptr<Formatter> formatter, bool showLog)
     : formatter_(std::move(formatter)), showLog_(showLog) {}
@@ -111,4 +111,4 @@ void reporterSink(void* ctx, int32_t level, int32_t category, const char* text) 
 
 LogSinkScope::LogSinkScope(Reporter& reporter) : sink_(&reporterSink, &reporter) {}
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -15,7 +15,7 @@
 
 #include "ispdsp_host/scoped.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 using Event = nlohmann::ordered_json;
 
@@ -118,4 +118,4 @@ private:
     ispdsp::host::ScopedLogSink sink_;
 };
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

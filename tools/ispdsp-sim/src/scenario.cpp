@@ -11,7 +11,7 @@
 #include "json_syntax_error.h"
 #include "ispdsp/fusion.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -361,4 +361,4 @@ Scenario loadScenario(const std::string& path, std::optional<int64_t> framesOver
     return parseScenario(std::string(file.bytes.begin(), file.bytes.end()), path, framesOverride);
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

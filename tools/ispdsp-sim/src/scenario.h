@@ -32,7 +32,7 @@
 
 #include "names.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 struct GainPosition {
     int32_t start = 0;
@@ -77,4 +77,4 @@ Scenario loadScenario(const std::string& path, std::optional<int64_t> framesOver
 Scenario parseScenario(const std::string& text, const std::string& displayName,
                        std::optional<int64_t> framesOverride = std::nullopt);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

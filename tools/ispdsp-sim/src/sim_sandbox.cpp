@@ -8,7 +8,7 @@
 #include <iterator>
 #include <vector>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace fs = std::filesystem;
 
@@ -84,4 +84,4 @@ std::optional<FileDigest> digestFile(const std::string& path) {
     return FileDigest{bytes.size(), crc ^ 0xFFFFFFFFu};
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

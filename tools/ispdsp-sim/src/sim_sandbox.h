@@ -11,7 +11,7 @@
 #include "ispdsp_host/scoped.h"
 #include "tuning/device_paths.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 // Device paths the simulator fills.
 std::string tuningDevicePath();
@@ -56,4 +56,4 @@ struct FileDigest {
 };
 std::optional<FileDigest> digestFile(const std::string& path);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

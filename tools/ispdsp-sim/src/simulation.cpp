@@ -25,7 +25,7 @@
 #include "text_encoding.h"
 #include "tuning_save.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -340,4 +340,4 @@ int runSimulation(const Options& options) {
     return status;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -5,7 +5,7 @@
 
 #include "tuning/stage_list.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -58,4 +58,4 @@ void StageSender::sendAll(Reporter& reporter, int pipe, const CFG_DspIspCfgParam
     }
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -11,7 +11,7 @@
 #include "ispdsp/param_table.h"
 #include "reporter.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 class StageSender {
 public:
@@ -42,4 +42,4 @@ private:
     std::string error_;
 };
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -2,7 +2,7 @@
 
 #include <signal.h>
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 volatile sig_atomic_t g_stop = 0;
@@ -32,4 +32,4 @@ const char* stopSignalName() {
     }
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -3,7 +3,7 @@
 // temporary sandbox root is removed.
 #pragma once
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 // SIGINT, SIGTERM and SIGHUP set the stop request (reads are interrupted, not
 // restarted); SIGPIPE is ignored so a closed pipe shows as a write error.
@@ -12,4 +12,4 @@ bool stopRequested();
 // "SIGINT", "SIGTERM" or "SIGHUP": the signal that asked to stop ("none" before one came).
 const char* stopSignalName();
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

@@ -7,7 +7,7 @@
 
 #include "printable_text.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
@@ -36,4 +36,4 @@ std::string displayText(const std::string& raw) {
     return ispdsp::tools::printableText(raw, /*keepLineFeeds=*/true);
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

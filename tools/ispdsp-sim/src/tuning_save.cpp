@@ -8,21 +8,21 @@
 #include "param_file_image.h"
 #include "tuning_codec.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 namespace {
 
-size_t differingBytes(const uint8_t* live, const ispcfg::TableEntry& entry) {
+size_t differingBytes(const uint8_t* live, const ispdsp::tools::TableEntry& entry) {
     size_t count = 0;
-    for (size_t i = 0; i < ispcfg::kTableBytes; ++i) count += live[i] != entry.bytes[i] ? 1 : 0;
+    for (size_t i = 0; i < ispdsp::tools::kTableBytes; ++i) count += live[i] != entry.bytes[i] ? 1 : 0;
     return count;
 }
 
 // Copies every live table that differs from all source entries of its type
 // into the closest of them. Fallback slots point at another type's table
 // (the type word in front of the table says which) and are skipped.
-int copyLiveTables(const CFG_DspIspCfgTables& tables, ispcfg::ParamFileImage& image) {
-    static_assert(sizeof(CFG_DspIspCfgParam) == ispcfg::kTableBytes);
+int copyLiveTables(const CFG_DspIspCfgTables& tables, ispdsp::tools::ParamFileImage& image) {
+    static_assert(sizeof(CFG_DspIspCfgParam) == ispdsp::tools::kTableBytes);
     std::set<const void*> seen;
     int changed = 0;
     for (int32_t type = 0; type < PARAM_TABLE_TYPE_NUM; ++type) {
@@ -31,9 +31,9 @@ int copyLiveTables(const CFG_DspIspCfgTables& tables, ispcfg::ParamFileImage& im
         int32_t storedType = 0;
         std::memcpy(&storedType, live - sizeof storedType, sizeof storedType);
         if (storedType != type) continue;
-        ispcfg::TableEntry* closest = nullptr;
-        size_t fewest = ispcfg::kTableBytes + 1;
-        for (ispcfg::TableEntry& entry : image.entries) {
+        ispdsp::tools::TableEntry* closest = nullptr;
+        size_t fewest = ispdsp::tools::kTableBytes + 1;
+        for (ispdsp::tools::TableEntry& entry : image.entries) {
             if (entry.type != type) continue;
             const size_t differing = differingBytes(live, entry);
             if (differing < fewest) {
@@ -42,7 +42,7 @@ int copyLiveTables(const CFG_DspIspCfgTables& tables, ispcfg::ParamFileImage& im
             }
         }
         if (closest == nullptr || fewest == 0) continue;
-        std::memcpy(closest->bytes.data(), live, ispcfg::kTableBytes);
+        std::memcpy(closest->bytes.data(), live, ispdsp::tools::kTableBytes);
         ++changed;
     }
     return changed;
@@ -59,14 +59,14 @@ SaveResult saveTuning(const CFG_DspIspCfgTables& tables, const std::string& sour
         return result;
     }
     std::string error;
-    std::optional<ispcfg::ParsedFile> parsed = ispcfg::parseParamFile(source.bytes, error);
+    std::optional<ispdsp::tools::ParsedFile> parsed = ispdsp::tools::parseParamFile(source.bytes, error);
     if (!parsed) {
         result.message = "cannot save: " + sourceFile + ": " + error;
         return result;
     }
     result.changedTables = copyLiveTables(tables, parsed->image);
-    const std::vector<uint8_t> image = ispcfg::serializeParamFile(parsed->image);
-    const std::optional<ispcfg::DumpedJson> json = ispcfg::dumpTuningJson(image, error);
+    const std::vector<uint8_t> image = ispdsp::tools::serializeParamFile(parsed->image);
+    const std::optional<ispdsp::tools::DumpedJson> json = ispdsp::tools::dumpTuningJson(image, error);
     if (!json) {
         result.message = "cannot save: " + error;
         return result;
@@ -82,4 +82,4 @@ SaveResult saveTuning(const CFG_DspIspCfgTables& tables, const std::string& sour
     return result;
 }
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim

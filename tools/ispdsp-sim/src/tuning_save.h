@@ -11,7 +11,7 @@
 #include "ispdsp/param_table.h"
 #include "output_file.h"
 
-namespace ispsim {
+namespace ispdsp::tools::sim {
 
 struct SaveResult {
     bool ok = false;
@@ -24,4 +24,4 @@ struct SaveResult {
 SaveResult saveTuning(const CFG_DspIspCfgTables& tables, const std::string& sourceFile, const std::string& jsonPath,
                       const ispdsp::tools::OutputRule& rule);
 
-}  // namespace ispsim
+}  // namespace ispdsp::tools::sim
