@@ -52,7 +52,10 @@ std::unique_ptr<Workbench> Workbench::open(const WorkbenchFiles& files, std::str
     if (!tables) return nullptr;
     w->tables_ = std::move(*tables);
     w->others_[name] = w->tables_;  // the file as opened, to compare the edits with
-    if (files.mono && !w->other(files.mono->filename().string(), error)) return nullptr;
+    if (files.mono) {
+        w->monoName_ = files.mono->filename().string();
+        if (!w->other(w->monoName_, error)) return nullptr;
+    }
     // Edits change values, never which tables exist: the map is worked out once.
     std::optional<json> map = stateMapView(w->tables_, error);
     if (!map) return nullptr;
@@ -78,6 +81,8 @@ json Workbench::overview() const {
         sources.push_back(entry);
     }
     return {{"file", name_},
+            {"gainSteps", kGainSteps},
+            {"mono", monoName_},
             {"header",
              {{"ver", describeFloat(h.verBits)},
               {"dateTime", describeText(h.dateTime)},
@@ -100,7 +105,7 @@ json Workbench::table(size_t index) const {
 std::optional<std::string> Workbench::plot(size_t index) const {
     if (index >= tables_.entries.size()) return std::nullopt;
     const std::string label = tableLabels(tables_.entries)[index];
-    return fusionTableSvg(tables_.entries[index], label + ": fusion parameters over the 16 gain steps",
+    return fusionTableSvg(tables_.entries[index], label + ": fusion parameters over the " + std::to_string(kGainSteps) + " gain steps",
                           name_ + " as edited in the workbench");
 }
 

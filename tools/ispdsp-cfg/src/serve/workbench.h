@@ -49,6 +49,7 @@ private:
 
     FileAccess access_;
     std::string name_;
+    std::string monoName_;  // the --mono file, "" without one
     ParamFileImage tables_;
     nlohmann::json stateMap_;
     std::map<std::string, ParamFileImage> others_;  // read once, by name

@@ -139,7 +139,7 @@ function renderStages(view) {
 
 function renderFusionSteps(view) {
   const head = el('tr', {}, el('th', {}, 'field'), el('th', {}, 'DSP range'),
-    ...Array.from({ length: 16 }, (_, s) => el('th', {}, 'step ' + s)));
+    ...Array.from({ length: state.overview.gainSteps }, (_, s) => el('th', {}, 'step ' + s)));
   const rows = view.fusion.map((f) => el('tr', {},
     el('th', { class: 'field', scope: 'row', title: f.meaning + (f.unit ? ' (' + f.unit + ')' : '') }, f.name),
     el('td', {}, rangeText(f)),
@@ -156,9 +156,10 @@ function control() {
   return 'start=' + $('gain-start').value + '&end=' + $('gain-end').value + '&coef=' + $('gain-coef').value;
 }
 
-// A step box that is empty or outside 0..15 waits for a whole number rather than asking the server.
+// A step box that is empty or past the last gain step waits for a whole number rather than asking the server.
 function stepsComplete() {
-  return ['gain-start', 'gain-end'].every((id) => /^([0-9]|1[0-5])$/.test($(id).value));
+  const last = state.overview.gainSteps - 1;
+  return ['gain-start', 'gain-end'].every((id) => /^[0-9]+$/.test($(id).value) && Number($(id).value) <= last);
 }
 
 let blendSerial = 0;
@@ -166,7 +167,10 @@ async function redrawBlend() {
   const serial = ++blendSerial;
   const t0 = performance.now();
   $('gain-coef-value').textContent = Number($('gain-coef').value).toFixed(2);
-  if (!stepsComplete()) { $('redraw-time').textContent = 'start and end step: 0 to 15'; return; }
+  if (!stepsComplete()) {
+    $('redraw-time').textContent = 'start and end step: 0 to ' + (state.overview.gainSteps - 1);
+    return;
+  }
   const r = await api('blend?i=' + state.table + '&' + control());
   if (serial !== blendSerial) return;  // a later move is on its way
   if (r.error) { say(r.error); return; }
@@ -197,8 +201,12 @@ function fillMonoTables() {
   const tables = source === '' ? state.overview.tables : (file && file.tables) || [];
   const keep = $('mono-table').value;
   $('mono-table').replaceChildren(...tables.map((t) => el('option', { value: t.index }, t.label)));
-  const bw = tables.find((t) => t.label === 'PARAM_BLACKWHITE');
-  if (keep && tables[keep]) $('mono-table').value = keep; else if (bw) $('mono-table').value = bw.index;
+  // By default the table of the same type as the colour one, else the one the library selects
+  // for a black-and-white, linear, daytime camera in the base scene.
+  const colour = state.overview.tables[state.table];
+  const base = state.states.rows.find((r) => r.blackWhite && r.hdr === 'linear' && !r.night && r.imageScene === 0);
+  const fallback = source === '' ? tables.find((t) => base && t.label === base.chosen) : tables.find((t) => t.type === colour.type);
+  if (keep && tables[keep]) $('mono-table').value = keep; else if (fallback) $('mono-table').value = fallback.index;
 }
 
 async function redrawPair() {
@@ -240,8 +248,8 @@ async function runSave() {
 
 // ---- loading ----
 
-async function loadOverview() {
-  const ov = await api('overview');
+async function loadOverview(fetched) {
+  const ov = await (fetched || api('overview'));
   state.overview = ov;
   const chooser = (id, withEdited) => {
     const keep = $(id).value;
@@ -251,7 +259,9 @@ async function loadOverview() {
     if ([...$(id).options].some((o) => o.value === keep)) $(id).value = keep;
   };
   chooser('compare-with', false);
+  const firstLoad = !$('mono-source').options.length;
   chooser('mono-source', true);
+  if (firstLoad && ov.mono) $('mono-source').value = ov.mono;
   fillMonoTables();
   return ov;
 }
@@ -279,7 +289,10 @@ async function start() {
     showView(next.id.slice(4));
   });
   showView('tables');
-  const [ov, states] = await Promise.all([loadOverview(), api('states')]);
+  const overview = api('overview');  // both requests at once
+  state.states = await api('states');
+  const ov = await loadOverview(overview);
+  const states = state.states;
   if (ov.error) { say(ov.error); return; }
   $('file-name').textContent = '— ' + ov.file;
   const h = ov.header;
@@ -287,6 +300,7 @@ async function start() {
   $('table-choice').replaceChildren(...ov.tables.map((t) => el('option', { value: t.index }, t.label)));
   $('table-choice').addEventListener('change', () => { state.table = Number($('table-choice').value); loadTable(true); });
   renderTableSet(ov, states);
+  for (const id of ['gain-start', 'gain-end']) $(id).max = ov.gainSteps - 1;
   for (const id of ['gain-start', 'gain-end', 'gain-coef']) $(id).addEventListener('input', redrawBlend);
   $('mono-source').addEventListener('change', () => { fillMonoTables(); redrawPair(); });
   $('mono-table').addEventListener('change', redrawPair);
