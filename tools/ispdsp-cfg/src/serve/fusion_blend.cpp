@@ -94,8 +94,8 @@ nlohmann::json pairView(const TableEntry& colour, const TableEntry& mono, const 
             const std::string monoText = m.value(f) < 0 ? "(" + std::to_string(m.value(f)) + ")" : std::to_string(m.value(f));
             const std::string formed = std::to_string(c.value(f)) + " - " + monoText;
             why = (absDiff ? "|" + formed + "|" : formed + " as " + typeName(f.type)) + " = " + std::to_string(v) +
-                  ": outside " + std::to_string(f.dspLow) + " to " + std::to_string(f.dspHigh) +
-                  ", as a difference of the two pipes can be (by design)";
+                  ", outside " + std::to_string(f.dspLow) + " to " + std::to_string(f.dspHigh) +
+                  ": by design, the DSP receives the difference of the two pipes";
         }
         rows.push_back({{"name", f.name},
                         {"colour", c.value(f)},

@@ -107,19 +107,21 @@ try:
     shown = int(browser.execute_script(
         "return document.querySelector(\"#blend-values tr[data-field='ep_delta'] td.blended\").textContent"))
     browser.save_screenshot(os.path.join(out, "3-fusion.png"))
-    browser.execute_script("document.getElementById('pair-values').scrollIntoView()")
-    browser.save_screenshot(os.path.join(out, "4-fusion-pair.png"))
+    for element, shot in [("fusion-steps", "4-fusion-steps.png"), ("fusion-chart", "5-fusion-chart.png"),
+                          ("pair-values", "6-fusion-pair.png")]:
+        browser.execute_script("document.getElementById('%s').scrollIntoView()" % element)
+        browser.save_screenshot(os.path.join(out, shot))
 
     browser.find_element(By.ID, "tab-compare").click()
     browser.find_element(By.ID, "compare-run").click()
     wait.until(lambda b: "differences" in b.find_element(By.ID, "compare-summary").text)
     shown_lines = [r.text for r in browser.find_elements(By.CSS_SELECTOR, "#compare-lines tbody tr")]
-    browser.save_screenshot(os.path.join(out, "5-compare.png"))
+    browser.save_screenshot(os.path.join(out, "7-compare.png"))
 
     browser.find_element(By.ID, "tab-save").click()
     browser.find_element(By.ID, "save-run").click()
     wait.until(lambda b: "Saved" in b.find_element(By.ID, "save-result").text)
-    browser.save_screenshot(os.path.join(out, "6-save.png"))
+    browser.save_screenshot(os.path.join(out, "8-save.png"))
 
     saved, rebuilt = wb.path("tuned.bin"), wb.path("rebuilt.bin")
     subprocess.run([cfg, "build", wb.path("tuned.json"), "-o", rebuilt], check=True, capture_output=True)
