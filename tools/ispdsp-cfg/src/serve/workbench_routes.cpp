@@ -55,9 +55,6 @@ std::optional<json> jsonBody(const httplib::Request& req) {
 
 void addWorkbenchRoutes(httplib::Server& server, Workbench& workbench, const AccessGuard& guard, std::mutex& lock) {
     server.set_payload_max_length(kMaxRequestBody);
-    // Each answer leaves at once: the gain control redraws on every move, and waiting for the
-    // page's acknowledgement of the headers before sending the body costs tens of milliseconds.
-    server.set_tcp_nodelay(true);
     server.set_pre_routing_handler([&guard](const httplib::Request& req, httplib::Response& res) {
         if (!guard.hostAllowed(req.get_header_value("Host"))) {
             refuse(res, 403, "this workbench answers only to http://" + guard.hostPort() + "/");

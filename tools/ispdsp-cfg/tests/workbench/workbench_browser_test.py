@@ -58,7 +58,10 @@ options.binary_location = chromium
 profile = tempfile.mkdtemp(prefix="ispdsp-chromium-")
 for flag in ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
              "--disable-background-networking", "--disable-component-update", "--disable-sync",
-             "--user-data-dir=" + profile, "--window-size=1400,1000"]:
+             "--user-data-dir=" + profile, "--window-size=1400,1000",
+             # a headless page counts as in the background; its timers and fetches would be slowed
+             "--disable-background-timer-throttling", "--disable-renderer-backgrounding",
+             "--disable-backgrounding-occluded-windows"]:
     options.add_argument(flag)
 wb = Workbench(cfg, sample)
 browser = webdriver.Chrome(service=webdriver.ChromeService(driver) if hasattr(webdriver, "ChromeService")

@@ -163,6 +163,7 @@ function stepsComplete() {
 }
 
 let blendSerial = 0;
+let pairTimer = 0;
 async function redrawBlend() {
   const serial = ++blendSerial;
   const t0 = performance.now();
@@ -192,7 +193,9 @@ async function redrawBlend() {
   window.workbenchRedrawMs = ms;
   window.workbenchBlendShown = control();  // which control the shown blend belongs to
   $('redraw-time').textContent = 'redrawn in ' + ms.toFixed(0) + ' ms';
-  await redrawPair();
+  // The pair follows once the control rests, so that it does not slow the blend while it moves.
+  clearTimeout(pairTimer);
+  pairTimer = setTimeout(redrawPair, 150);
 }
 
 function fillMonoTables() {
