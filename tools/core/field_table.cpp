@@ -34,16 +34,17 @@ std::pair<const char*, const char*> splitPath(const char* path) {
 std::vector<FieldDef> buildFields() {
     std::vector<FieldDef> fields;
     fields.push_back({"", "", "ispFusionFlag", offsetof(CFG_DspIspCfgParam, ispFusionFlag), Scalar::U32, 0,
-                      0xFFFFFFFF});
+                      0xFFFFFFFF, "0/1", "nonzero switches the per-frame fusion update on for the table"});
     for (const ispdsp::fusion::ScalarField& f : ispdsp::fusion::kScalarFields) {
-        fields.push_back({"fusion", "", f.name, f.offset, scalarOf(f.width, f.isSigned), f.lo, f.hi});
+        fields.push_back({"fusion", "", f.name, f.offset, scalarOf(f.width, f.isSigned), f.lo, f.hi,
+                          f.unit, f.meaning});
     }
     for (const ispdsp::tuning::TableStage& stage : ispdsp::tuning::kTableStages) {
         for (const ispdsp::tuning::NamedField& f : stage.storedFields) {
             const auto [group, name] = splitPath(f.name);
             const ispdsp::tuning::Range range = ispdsp::tuning::enforcedRange(stage, f);
             fields.push_back({stage.recordKey, group, name, static_cast<uint16_t>(stage.tableOffset + f.offset),
-                              scalarOf(f.width, f.isSigned), range.low, range.high});
+                              scalarOf(f.width, f.isSigned), range.low, range.high, f.unit, f.meaning});
         }
     }
     return fields;

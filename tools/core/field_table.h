@@ -23,6 +23,8 @@ struct FieldDef {
     Scalar type;
     int64_t dspLow;  // range the DSP accepts; the full width when the DSP takes any value
     int64_t dspHigh;
+    const char* unit;     // "" for a plain level or code
+    const char* meaning;  // one line for the tuner
 };
 
 using ispdsp::tuning::kEntryBytes;

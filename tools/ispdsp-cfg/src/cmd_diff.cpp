@@ -3,6 +3,7 @@
 #include <map>
 
 #include "commands.h"
+#include "file_differences.h"
 #include "header_codec.h"
 #include "hex_text.h"
 #include "param_file_image.h"
@@ -105,20 +106,13 @@ void diffHeader(const ParsedFile& a, const ParsedFile& b, std::vector<std::strin
 
 }  // namespace
 
-int runDiff(const std::string& pathA, const std::string& pathB, std::ostream& out, std::ostream& err) {
-    const std::optional<LoadedParamFile> loadedA = loadParamFileFor(pathA, err);
-    const std::optional<LoadedParamFile> loadedB = loadParamFileFor(pathB, err);
-    if (!loadedA || !loadedB) return kExitError;
-    reportRejection(pathA, *loadedA, err);
-    reportRejection(pathB, *loadedB, err);
-    if (!loadedA->file || !loadedB->file) return kExitFindings;  // nothing to compare
-    const std::optional<ParsedFile>& a = loadedA->file;
-    const std::optional<ParsedFile>& b = loadedB->file;
+std::vector<std::string> fileDifferences(const ParsedFile& a, const ParsedFile& b, const std::string& nameA,
+                                         const std::string& nameB) {
     std::vector<std::string> diffs;
-    diffHeader(*a, *b, diffs);
+    diffHeader(a, b, diffs);
 
-    const std::vector<TableKey> ka = keysOf(a->image.entries);
-    const std::vector<TableKey> kb = keysOf(b->image.entries);
+    const std::vector<TableKey> ka = keysOf(a.image.entries);
+    const std::vector<TableKey> kb = keysOf(b.image.entries);
     std::map<TableKey, size_t> indexB;
     for (size_t i = 0; i < kb.size(); ++i) indexB[kb[i]] = i;
     std::map<TableKey, size_t> indexA;
@@ -127,21 +121,32 @@ int runDiff(const std::string& pathA, const std::string& pathB, std::ostream& ou
     std::vector<TableKey> commonA, commonB;
     for (const TableKey& k : ka) {
         if (!indexB.count(k))
-            diffs.push_back("only in " + pathA + ": " + keyLabel(k));
+            diffs.push_back("only in " + nameA + ": " + keyLabel(k));
         else
             commonA.push_back(k);
     }
     for (const TableKey& k : kb) {
         if (!indexA.count(k))
-            diffs.push_back("only in " + pathB + ": " + keyLabel(k));
+            diffs.push_back("only in " + nameB + ": " + keyLabel(k));
         else
             commonB.push_back(k);
     }
     if (commonA != commonB) diffs.push_back("the tables they share come in a different order");
     for (const TableKey& k : commonA) {
-        diffTable(keyLabel(k), a->image.entries[indexA[k]], b->image.entries[indexB[k]], diffs);
+        diffTable(keyLabel(k), a.image.entries[indexA[k]], b.image.entries[indexB[k]], diffs);
     }
 
+    return diffs;
+}
+
+int runDiff(const std::string& pathA, const std::string& pathB, std::ostream& out, std::ostream& err) {
+    const std::optional<LoadedParamFile> loadedA = loadParamFileFor(pathA, err);
+    const std::optional<LoadedParamFile> loadedB = loadParamFileFor(pathB, err);
+    if (!loadedA || !loadedB) return kExitError;
+    reportRejection(pathA, *loadedA, err);
+    reportRejection(pathB, *loadedB, err);
+    if (!loadedA->file || !loadedB->file) return kExitFindings;  // nothing to compare
+    const std::vector<std::string> diffs = fileDifferences(*loadedA->file, *loadedB->file, pathA, pathB);
     for (const std::string& d : diffs) out << d << "\n";
     out << (diffs.empty() ? "no differences\n" : std::to_string(diffs.size()) + " differences\n");
     return diffs.empty() ? kExitOk : kExitFindings;

@@ -10,21 +10,6 @@
 namespace ispdsp::tools::cfg {
 namespace {
 
-// Types the file has (a later entry of a type replaces an earlier one, as in the driver).
-std::array<bool, 120> presentTypes(const ParamFileImage& image) {
-    std::array<bool, 120> present{};
-    for (const TableEntry& e : image.entries) {
-        if (e.type >= 0 && e.type < kTableTypes) present[static_cast<size_t>(e.type)] = true;
-    }
-    return present;
-}
-
-bool agrees(const Selection& tool, const LibraryChoice& lib) {
-    if (tool.chosen != lib.ok) return false;
-    return !tool.chosen ||
-           (tool.row == lib.row && static_cast<uint32_t>(tool.chosenType) == lib.type && lib.tableIsRegistered);
-}
-
 std::string describeLibrary(const LibraryChoice& lib) {
     if (!lib.ok) return "selection failed";
     return "row " + std::to_string(lib.row) + ", " + tableTypeName(static_cast<int32_t>(lib.type)) + " (" +
@@ -67,8 +52,8 @@ int runSelect(const SelectOptions& o, std::ostream& out, std::ostream& err) {
         if (s.chosen) {
             out << "chosen: " << tableTypeName(s.chosenType) << " (" << s.chosenType << ")\n";
         }
-        out << "library: " << describeLibrary(c) << (agrees(s, c) ? ", agrees\n" : ", DISAGREES\n");
-        if (!agrees(s, c)) {
+        out << "library: " << describeLibrary(c) << (libraryAgrees(s, c) ? ", agrees\n" : ", DISAGREES\n");
+        if (!libraryAgrees(s, c)) {
             err << "error: the library's choice differs from the tool's explanation\n";
             return kExitError;
         }
@@ -92,7 +77,7 @@ int runSelect(const SelectOptions& o, std::ostream& out, std::ostream& err) {
                       s.chosen ? tableTypeName(s.chosenType).c_str() : "(none)", fallbackText(s).c_str());
         out << line;
         if (!s.chosen) ++failures;
-        if (!agrees(s, c)) {
+        if (!libraryAgrees(s, c)) {
             ++disagreements;
             err << "error: row " << row << ": the tool explains "
                 << (s.chosen ? tableTypeName(s.chosenType) : std::string("a failure")) << ", the library chose "

@@ -45,4 +45,12 @@ struct PlotOptions {
 };
 int runPlot(const PlotOptions& options, std::ostream& out, std::ostream& err);
 
+struct ServeOptions {
+    std::string input;  // tuning binary or JSON source; empty: the bundled sample
+    std::string mono;   // the mono pipe's tables, optional
+    int port = 0;       // 0: a free port
+    std::string bind = "127.0.0.1";
+};
+int runServe(const ServeOptions& options, std::ostream& out, std::ostream& err);
+
 }  // namespace ispdsp::tools::cfg

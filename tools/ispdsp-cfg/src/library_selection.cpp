@@ -27,6 +27,12 @@ std::string joined(const std::vector<std::string>& lines) {
 
 }  // namespace
 
+bool libraryAgrees(const Selection& tool, const LibraryChoice& lib) {
+    if (tool.chosen != lib.ok) return false;
+    return !tool.chosen ||
+           (tool.row == lib.row && static_cast<uint32_t>(tool.chosenType) == lib.type && lib.tableIsRegistered);
+}
+
 struct LibraryTables::State {
     CFG_IspParamTable header{};
     Ptr buffer = nullptr;

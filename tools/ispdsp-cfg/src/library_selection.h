@@ -19,6 +19,9 @@ struct LibraryChoice {
     bool tableIsRegistered = false;  // curTable == paramTables[curTableType]
 };
 
+// The library's choice is the one the explanation arrives at (or both find no table).
+bool libraryAgrees(const Selection& explained, const LibraryChoice& library);
+
 class LibraryTables {
 public:
     // Loads `hostPath` (a plain host path: the host layer's sandbox root is switched off while

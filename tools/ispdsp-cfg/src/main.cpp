@@ -149,6 +149,22 @@ int runTool(int argc, char** argv, std::ostream& err) {
     plotCmd->add_flag("--force", plot.force, kForceHelp);
     plotCmd->callback([&] { status = cfg::runPlot(plot, std::cout, err); });
 
+#ifdef ISPDSP_CFG_SERVE
+    cfg::ServeOptions serve;
+    auto* serveCmd = app.add_subcommand(
+        "serve", "the tuning workbench: a local web page that shows, edits, compares and saves a table set");
+    serveCmd->add_option("file", serve.input, "tuning binary or JSON source (default: the bundled sample)");
+    serveCmd->add_option("--mono", serve.mono, "the mono pipe's tuning file, for the colour/mono pair");
+    serveCmd->add_option("--port", serve.port, "port to listen on; 0 (default) picks a free one")
+        ->check(CLI::Range(0, 65535));
+    serveCmd->add_option("--bind", serve.bind, "address to listen on (default 127.0.0.1; others warn)");
+    serveCmd->footer(
+        "The first line of standard output is the address to open, with this run's access token.\n"
+        "The workbench reads only the files named here and writes only new files in the current folder.\n"
+        "Ctrl-C stops it.");
+    serveCmd->callback([&] { status = cfg::runServe(serve, std::cout, std::cerr); });
+#endif
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

@@ -59,6 +59,14 @@ std::string sceneName(int32_t imageScene) {
     return "";
 }
 
+std::array<bool, 120> presentTypes(const ParamFileImage& image) {
+    std::array<bool, 120> present{};
+    for (const TableEntry& e : image.entries) {
+        if (e.type >= 0 && e.type < kTableTypes) present[static_cast<size_t>(e.type)] = true;
+    }
+    return present;
+}
+
 Selection explainSelection(const CameraState& state, const std::array<bool, 120>& present) {
     Selection s;
     const auto [isBlackWhite, isHDR, isWDR, sceneMode] =

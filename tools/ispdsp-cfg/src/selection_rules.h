@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "param_file_image.h"
 #include "tuning/table_types.h"
 
 namespace ispdsp::tools::cfg {
@@ -44,6 +45,9 @@ struct Selection {
     bool viaPreferenceList = false;  // found by scanning the rule's list, not its direct replacement
     std::vector<std::string> steps;  // human-readable reasoning, one line each
 };
+
+// Types the image has (a later entry of a type replaces an earlier one, as in the driver).
+std::array<bool, 120> presentTypes(const ParamFileImage& image);
 
 // present[t]: the file has a table of type t (the last entry of a type counts).
 Selection explainSelection(const CameraState& state, const std::array<bool, 120>& present);
