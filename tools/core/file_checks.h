@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "diagnostic.h"
 #include "param_file_image.h"
 
 namespace ispdsp::tools {
@@ -18,8 +19,7 @@ struct Finding {
 using Findings = std::vector<Finding>;
 
 // An error: the driver rejects the file (or can choose no table from it). A warning: the driver
-// loads the file but ignores or changes part of it.
-enum class Severity { Warning, Error };
+// loads the file but ignores or changes part of it (the tools' one Severity, diagnostic.h).
 Severity severityOf(FindingKind kind);
 const char* severityWord(Severity severity);  // "error", "warning"
 // True when any finding is an error.

@@ -9,6 +9,8 @@
 
 #include "commands.h"
 #include "diagnostic.h"
+#include "hex_text.h"
+#include "param_file_image.h"
 #include "type_names.h"
 
 namespace {
