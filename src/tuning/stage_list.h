@@ -126,6 +126,43 @@ constexpr int debugIdOf(const TableStage& stage, const NamedField& f) {
     return -1;
 }
 
+// The stored fields, in record order, leave no gap that a field could fill: every gap is
+// alignment padding (smaller than the next field's width, or at the end than the widest
+// field), and the records tile the table the same way. A record member that the description
+// leaves out shows here, before a codec would silently drop it.
+// True when two field paths lie in the same nested part ("plateLaeParam.a", "plateLaeParam.b"),
+// or both directly in the record.
+consteval bool sameGroup(const char* a, const char* b) {
+    std::size_t i = 0;
+    while (a[i] != '\0' && a[i] != '.' && a[i] == b[i]) ++i;
+    const bool aEnds = a[i] == '\0' || a[i] == '.', bEnds = b[i] == '\0' || b[i] == '.';
+    const bool aNested = [&] { for (const char* c = a; *c; ++c) if (*c == '.') return true; return false; }();
+    const bool bNested = [&] { for (const char* c = b; *c; ++c) if (*c == '.') return true; return false; }();
+    if (!aNested && !bNested) return true;
+    return aNested && bNested && aEnds && bEnds && a[i] == b[i];
+}
+
+consteval bool storedFieldsCoverTheirRecords() {
+    std::size_t tableAt = offsetof(CFG_DspIspCfgParam, ispLsmParam);
+    for (const TableStage& stage : kTableStages) {
+        if (stage.tableOffset < tableAt || stage.tableOffset - tableAt >= 4) return false;
+        std::size_t at = 0, widest = 1;
+        const char* previous = "";
+        for (const NamedField& f : stage.storedFields) {
+            // A nested part (LAE's plate and window) may end in padding of the part's alignment.
+            const std::size_t alignment = sameGroup(previous, f.name) ? f.width : (f.width > widest ? f.width : widest);
+            if (f.offset < at || f.offset - at >= alignment) return false;
+            at = f.offset + f.width;
+            widest = f.width > widest ? f.width : widest;
+            previous = f.name;
+        }
+        if (stage.recordBytes - at >= widest) return false;
+        tableAt = stage.tableOffset + stage.recordBytes;
+    }
+    return sizeof(CFG_DspIspCfgParam) - tableAt < 4;
+}
+static_assert(storedFieldsCoverTheirRecords());
+
 consteval bool storedFieldsFitTheirRecords() {
     for (const TableStage& stage : kTableStages) {
         for (const NamedField& f : stage.storedFields) {

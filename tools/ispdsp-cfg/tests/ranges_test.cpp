@@ -11,6 +11,7 @@
 #include "ispdsp/stages.h"
 #include "ispdsp_host/scoped.h"
 #include "tool_test_support.h"
+#include "tuning/stage_list.h"
 
 namespace {
 
@@ -53,38 +54,41 @@ TEST(Ranges, FusionFieldsAreFlaggedWhenTheBlendWouldClampThem) {
 
 using Setter = Int32 (*)(CFG_DspIspCfgParam&, Int32 id, Int32 value);
 // clang-format off
-#define STAGE(record, Name, ...) \
-    {#record, {[](CFG_DspIspCfgParam& t, Int32 id, Int32 v) { return DRV_dspdbg##Name(&t.record, id, v); }, {__VA_ARGS__}}}
+#define STAGE(record, Name) \
+    {#record, [](CFG_DspIspCfgParam& t, Int32 id, Int32 v) { return DRV_dspdbg##Name(&t.record, id, v); }}
 
-// Each record's debug setter and the ids it skips: ids follow the record's field order, and
-// DLAE has no field for id 1.
-const std::map<std::string, std::pair<Setter, std::vector<Int32>>> kSetters = {
+// Each record's debug setter, called through the public ABI; which id changes which field is
+// the rules' own id table (debugIdOf).
+const std::map<std::string, Setter> kSetters = {
     STAGE(ispLsmParam, Lsm),     STAGE(ispLaeParam, Lae),   STAGE(ispSbm3dParam, Sbm3d),
     STAGE(ispYuv2yuvParam, Yuv2yuv), STAGE(ispFusionPlateParam, FusionPlate), STAGE(ispFg2cParam, Fg2c),
     STAGE(ispLleParam, Lle),     STAGE(ispYlwdrParam, Ylwdr), STAGE(ispY2dParam, Y2d),
-    STAGE(ispDlaeParam, Dlae, 1), STAGE(ispDlcfaParam, Dlcfa), STAGE(ispSadeParam, Sade),
+    STAGE(ispDlaeParam, Dlae), STAGE(ispDlcfaParam, Dlcfa), STAGE(ispSadeParam, Sade),
 };
 // clang-format on
 
 TEST(Ranges, StageFieldsAreFlaggedWhenTheLibraryWouldClampThem) {
     // The setters' confirmation lines are not wanted here.
     const ispdsp::host::ScopedLogSink quiet([](void*, int32_t, int32_t, const char*) {}, nullptr);
-    std::map<std::string, Int32> nextId;
-    size_t probed = 0;
-    for (const FieldDef& f : stageFields()) {
-        ASSERT_TRUE(kSetters.count(f.record)) << f.record;
-        const auto& [set, skipped] = kSetters.at(f.record);
-        Int32 id = nextId[f.record]++;
-        for (Int32 s : skipped) id += id >= s;
-        // A setter keeps the low bits of a negative value in an unsigned field: no clamp to see.
-        for (int64_t v : probes(f, minOf(f.type) < 0 ? INT32_MIN : 0, INT32_MAX)) {
-            CFG_DspIspCfgParam table{};
-            ASSERT_EQ(set(table, id, static_cast<Int32>(v)), 0);
-            const bool clamped = loadField(reinterpret_cast<const uint8_t*>(&table) + f.offset, f.type) != v;
-            EXPECT_EQ(toolFlags(f, f.offset, v), clamped) << fieldPath(f) << " (debug id " << id << ") = " << v;
-            ++probed;
+    size_t probed = 0, next = 0;
+    for (const ispdsp::tuning::TableStage& stage : ispdsp::tuning::kTableStages) {
+        for (const ispdsp::tuning::NamedField& stored : stage.storedFields) {
+            const FieldDef& f = stageFields()[next++];
+            const int id = ispdsp::tuning::debugIdOf(stage, stored);
+            if (id < 0) continue;  // no setter changes this field
+            ASSERT_TRUE(kSetters.count(f.record)) << f.record;
+            const Setter& set = kSetters.at(f.record);
+            // A setter keeps the low bits of a negative value in an unsigned field: no clamp to see.
+            for (int64_t v : probes(f, minOf(f.type) < 0 ? INT32_MIN : 0, INT32_MAX)) {
+                CFG_DspIspCfgParam table{};
+                ASSERT_EQ(set(table, id, static_cast<Int32>(v)), 0);
+                const bool clamped = loadField(reinterpret_cast<const uint8_t*>(&table) + f.offset, f.type) != v;
+                EXPECT_EQ(toolFlags(f, f.offset, v), clamped) << fieldPath(f) << " (debug id " << id << ") = " << v;
+                ++probed;
+            }
         }
     }
+    EXPECT_EQ(next, stageFields().size());
     EXPECT_GT(probed, 77u * 3);  // every stored stage field, several values each
 }
 

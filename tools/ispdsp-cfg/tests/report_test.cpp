@@ -47,18 +47,6 @@ TEST(Check, EachValueOutsideItsRangeIsAWarningWithItsPlace) {
     EXPECT_NE(r.out.find(": 0 errors, 7 warnings\n"), std::string::npos) << r.out;
 }
 
-// The padding the codecs zero is exactly the records' padding bytes.
-TEST(FieldTable, PaddingIsTheRecordsPadding) {
-    std::vector<size_t> padding;
-    for (size_t i = 0; i < kTableBytes; ++i)
-        if (paddingMask()[i]) padding.push_back(i);
-    const size_t lae = offsetof(CFG_DspIspCfgParam, ispLaeParam), dlae = offsetof(CFG_DspIspCfgParam, ispDlaeParam);
-    std::vector<size_t> expected = {lae + 7, lae + 13, lae + 19, 8738, 8739, 8758, 8759,
-                                    offsetof(CFG_DspIspCfgParam, ispY2dParam) + 13, dlae + 1, dlae + 7, 8817, 8818, 8819};
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(padding, expected);
-}
-
 TEST(Diff, NamesTheTableAndFieldOfEachChange) {
     TempDir dir;
     ParamFileImage a = sampleImage();
