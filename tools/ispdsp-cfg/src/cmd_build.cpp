@@ -10,19 +10,19 @@
 namespace ispcfg {
 namespace {
 
-// "FILE:LINE:COLUMN: message" for a message about a value ("tables[2] (PARAM_FACE)
-// fusion[3].ep_delta: ...") or a syntax error ("line 3, column 5: ..."); "FILE: message" when the
-// place is no value of the source.
-std::string located(const std::string& file, const std::string& source, const std::string& message) {
-    const size_t colon = message.find(": ");
+// A message about a value ("tables[2] (PARAM_FACE) fusion[3].ep_delta: ...") or a syntax error
+// ("line 3, column 5: ...") at its line and column; at the file alone when the place is no value.
+ispdsp::tools::Diagnostic located(const std::string& file, const std::string& source, const std::string& message) {
+    ispdsp::tools::Diagnostic d{ispdsp::tools::Severity::Error, file, 0, 0, message};
     std::optional<ispdsp::tools::TextPlace> place;
-    if (ispdsp::tools::TextPlace at{}; std::sscanf(message.c_str(), "line %zu, column %zu:", &at.line, &at.column) == 2)
+    if (ispdsp::tools::TextPlace at{}; std::sscanf(message.c_str(), "line %zu, column %zu:", &at.line, &at.column) == 2) {
         place = at;
-    else
-        place = ispdsp::tools::findJsonValue(source, ispdsp::tools::jsonPathOf(message.substr(0, colon)));
-    if (!place) return file + ": " + message;
-    const std::string what = message.starts_with("line ") ? message.substr(colon + 2) : message;
-    return file + ":" + std::to_string(place->line) + ":" + std::to_string(place->column) + ": " + what;
+        d.message = message.substr(message.find(": ") + 2);
+    } else {
+        place = ispdsp::tools::findJsonValue(source, ispdsp::tools::jsonPathOf(message.substr(0, message.find(": "))));
+    }
+    if (place) d.line = place->line, d.column = place->column;
+    return d;
 }
 
 }  // namespace
@@ -33,7 +33,7 @@ int runBuild(const BuildOptions& o, std::ostream& out, std::ostream& err) {
     std::vector<std::string> errors;
     const std::optional<BuiltParamFile> built = buildParamFile(*source, errors, {o.stampDate});
     if (!built) {
-        for (const std::string& m : errors) err << "error: " << located(o.source, *source, m) << "\n";
+        for (const std::string& m : errors) err << located(o.source, *source, m);
         return kExitError;
     }
     const std::string bytes(built->bytes.begin(), built->bytes.end());
@@ -42,7 +42,7 @@ int runBuild(const BuildOptions& o, std::ostream& out, std::ostream& err) {
     std::ostream& report = o.output == "-" ? err : out;
     report << o.output << ": " << (built->bytes.size() - kFileOverhead) / kEntryBytes << " tables, "
            << built->bytes.size() << " bytes\n";
-    for (const std::string& w : built->warnings) err << "warning: " << o.source << ": " << w << "\n";
+    for (const std::string& w : built->warnings) reportWarning(err, o.source, w);
     return built->warnings.empty() ? kExitOk : kExitFindings;
 }
 
