@@ -47,7 +47,8 @@ constexpr const char* kSourceFormat = R"(JSON source format:
 constexpr const char* kFooter =
     R"(Messages: "error:" the driver rejects the file (bad checksum, cut short, another version, no
   table) or the command failed; "warning:" the driver loads the file but ignores or changes part
-  of it (a value outside its DSP range, padding, a duplicate or invalid table type).
+  of it (a value outside its DSP range, padding, a duplicate or invalid table type). On standard
+  error each starts with "ispdsp-cfg: " and names the file (FILE:LINE:COLUMN in a JSON source).
 Exit status, for every command:
   0  ok
   1  the input has errors or warnings (diff: the files differ); the command still did its work
