@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "json_place.h"
+
 namespace ispdsp::tools {
 namespace {
 
@@ -32,16 +34,8 @@ struct ErrorFinder : nlohmann::json_sax<nlohmann::json> {
 }  // namespace
 
 JsonSyntaxError describeJsonSyntaxError(std::string_view text, std::size_t byte, std::string_view what) {
-    JsonSyntaxError error{1, 1, std::string(what)};
-    const std::size_t end = std::min(byte == 0 ? 0 : byte - 1, text.size());
-    for (std::size_t i = 0; i < end; ++i) {
-        if (text[i] == '\n') {
-            ++error.line;
-            error.column = 1;
-        } else {
-            ++error.column;
-        }
-    }
+    const TextPlace place = placeOf(text, byte == 0 ? 0 : byte - 1);
+    JsonSyntaxError error{place.line, place.column, std::string(what)};
     // "[json.exception.parse_error.101] parse error at line 1, column 2: <reason>"
     if (error.reason.starts_with("[json.exception."))
         error.reason.erase(0, std::min(error.reason.size(), error.reason.find("] ") + 2));

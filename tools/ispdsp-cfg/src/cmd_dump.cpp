@@ -12,18 +12,18 @@ namespace ispdsp::tools::cfg {
 int runDump(const DumpOptions& o, std::ostream& out, std::ostream& err) {
     const auto in = ispdsp::tools::readInputFileOfKind(o.input, ispdsp::tools::FileKind::ParamFile);
     if (!in.ok()) {
-        err << "error: " << in.error << "\n";
+        reportError(err, {}, in.error);
         return kExitError;
     }
     std::string error;
     const std::optional<DumpedJson> dumped = dumpTuningJson(in.bytes, error);
     if (!dumped) {
-        err << "error: " << o.input << ": " << error << "\n";
+        reportError(err, o.input, error);
         return kExitFindings;
     }
     if (!writeOutput(o.output.empty() ? "-" : o.output, dumped->text, out, err, {o.input}, o.force)) return kExitError;
-    for (const std::string& e : dumped->errors) err << "error: " << o.input << ": " << e << "\n";
-    for (const std::string& w : dumped->warnings) err << "warning: " << o.input << ": " << w << "\n";
+    for (const std::string& e : dumped->errors) reportError(err, o.input, e);
+    for (const std::string& w : dumped->warnings) reportWarning(err, o.input, w);
     return dumped->errors.empty() && dumped->warnings.empty() ? kExitOk : kExitFindings;
 }
 

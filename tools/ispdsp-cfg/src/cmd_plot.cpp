@@ -15,7 +15,7 @@ int runPlot(const PlotOptions& o, std::ostream& out, std::ostream& err) {
     const std::optional<ParsedFile>& file = loaded->file;
     const auto type = tableTypeFromName(o.table);
     if (!type) {
-        err << "error: \"" << o.table << "\" is not a PARAM_TABLE_TYPE name\n";
+        reportError(err, {}, "\"" + o.table + "\" is not a PARAM_TABLE_TYPE name");
         return kExitError;
     }
     const TableEntry* table = nullptr;  // the last entry of the type: the one the driver uses
@@ -23,7 +23,7 @@ int runPlot(const PlotOptions& o, std::ostream& out, std::ostream& err) {
         if (e.type == *type) table = &e;
     }
     if (table == nullptr) {
-        err << "error: " << o.input << ": has no " << o.table << " table\n";
+        reportError(err, o.input, "has no " + o.table + " table");
         return kExitError;
     }
 

@@ -29,19 +29,19 @@ int runSelect(const SelectOptions& o, std::ostream& out, std::ostream& err) {
     const std::optional<LoadedParamFile> loaded = loadParamFileFor(o.input, err);
     if (!loaded) return kExitError;
     if (reportRejection(o.input, *loaded, err)) {
-        err << "error: " << o.input << ": the driver loads no table set from this file, so it chooses no table\n";
+        reportError(err, o.input, "the driver loads no table set from this file, so it chooses no table");
         return kExitFindings;
     }
     const std::optional<ParsedFile>& file = loaded->file;
     std::string error;
     auto lib = LibraryTables::load(o.input, error);
     if (!lib) {
-        err << "error: " << error << "\n";
+        reportError(err, {}, error);
         return kExitError;
     }
     const std::array<bool, 120> present = presentTypes(file->image);
     if (present != lib->registered()) {
-        err << "error: " << o.input << ": the library registered other tables than the file lists\n";
+        reportError(err, o.input, "the library registered other tables than the file lists");
         return kExitError;
     }
 
@@ -54,7 +54,7 @@ int runSelect(const SelectOptions& o, std::ostream& out, std::ostream& err) {
         }
         out << "library: " << describeLibrary(c) << (libraryAgrees(s, c) ? ", agrees\n" : ", DISAGREES\n");
         if (!libraryAgrees(s, c)) {
-            err << "error: the library's choice differs from the tool's explanation\n";
+            reportError(err, {}, "the library's choice differs from the tool's explanation");
             return kExitError;
         }
         return s.chosen ? kExitOk : kExitFindings;
@@ -79,9 +79,10 @@ int runSelect(const SelectOptions& o, std::ostream& out, std::ostream& err) {
         if (!s.chosen) ++failures;
         if (!libraryAgrees(s, c)) {
             ++disagreements;
-            err << "error: row " << row << ": the tool explains "
-                << (s.chosen ? tableTypeName(s.chosenType) : std::string("a failure")) << ", the library chose "
-                << describeLibrary(c) << "\n";
+            reportError(err, {},
+                        "row " + std::to_string(row) + ": the tool explains " +
+                            (s.chosen ? tableTypeName(s.chosenType) : std::string("a failure")) +
+                            ", the library chose " + describeLibrary(c));
         }
     }
     out << "library agrees on " << kMapRows - static_cast<uint32_t>(disagreements) << " of " << kMapRows << " rows; "

@@ -10,7 +10,7 @@ using ispdsp::tools::FileKind;
 std::optional<LoadedParamFile> loadParamFileFor(const std::string& path, std::ostream& err) {
     const ispdsp::tools::InputFile in = ispdsp::tools::readInputFileOfKind(path, FileKind::ParamFile);
     if (!in.ok()) {
-        err << "error: " << in.error << "\n";
+        reportError(err, {}, in.error);
         return std::nullopt;
     }
     LoadedParamFile loaded;
@@ -25,15 +25,15 @@ std::optional<LoadedParamFile> loadParamFileFor(const std::string& path, std::os
 }
 
 bool reportRejection(const std::string& path, const LoadedParamFile& loaded, std::ostream& err) {
-    if (!loaded.file) err << "error: " << path << ": " << loaded.tooShort << "\n";
-    for (const Finding& f : loaded.errors) err << "error: " << path << ": " << f.text << "\n";
+    if (!loaded.file) reportError(err, path, loaded.tooShort);
+    for (const Finding& f : loaded.errors) reportError(err, path, f.text);
     return loaded.rejected();
 }
 
 std::optional<std::string> loadJsonSourceFor(const std::string& path, std::ostream& err) {
     const ispdsp::tools::InputFile in = ispdsp::tools::readInputFileOfKind(path, FileKind::JsonText);
     if (!in.ok()) {
-        err << "error: " << in.error << "\n";
+        reportError(err, {}, in.error);
         return std::nullopt;
     }
     return std::string(in.bytes.begin(), in.bytes.end());
@@ -47,7 +47,7 @@ bool writeOutput(const std::string& path, const std::string& bytes, std::ostream
     }
     std::string error;
     if (!ispdsp::tools::writeOutputFile(path, bytes, {inputs, replace}, error)) {
-        err << "error: " << error << "\n";
+        reportError(err, {}, error);
         return false;
     }
     return true;

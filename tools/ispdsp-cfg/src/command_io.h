@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "diagnostic.h"
 #include "file_checks.h"
 #include "param_file_image.h"
 
@@ -28,6 +29,15 @@ struct LoadedParamFile {
     std::string tooShort;            // why it could not be taken apart
     bool rejected() const { return !file || !errors.empty(); }
 };
+
+// The one form of every message (tools/common/diagnostic.h): "error: FILE: message",
+// "warning: FILE: message"; `file` empty when the message is about no file in particular.
+inline void reportError(std::ostream& err, const std::string& file, const std::string& message) {
+    err << ispdsp::tools::Diagnostic{ispdsp::tools::Severity::Error, file, 0, 0, message};
+}
+inline void reportWarning(std::ostream& err, const std::string& file, const std::string& message) {
+    err << ispdsp::tools::Diagnostic{ispdsp::tools::Severity::Warning, file, 0, 0, message};
+}
 
 // Reads `path` as a parameter file; nothing, with one "error: ..." line on `err`, when it
 // cannot be read or is another kind of file.

@@ -52,7 +52,8 @@ std::string sourceFormat() {
 constexpr const char* kFooter =
     R"(Messages: "error:" the driver rejects the file (bad checksum, cut short, another version, no
   table) or the command failed; "warning:" the driver loads the file but ignores or changes part
-  of it (a value outside its DSP range, padding, a duplicate or invalid table type).
+  of it (a value outside its DSP range, padding, a duplicate or invalid table type). On standard
+  error each starts with "ispdsp-cfg: " and names the file (FILE:LINE:COLUMN in a JSON source).
 Exit status, for every command:
   0  ok
   1  the input has errors or warnings (diff: the files differ); the command still did its work
@@ -72,17 +73,17 @@ bool standardOutputWritten(std::ostream& err) {
     std::cout.flush();
     errno = 0;
     if (std::cout && std::fflush(stdout) == 0 && !std::ferror(stdout)) return true;
-    err << "error: standard output: write failed" << (errno != 0 ? std::string(": ") + std::strerror(errno) : "") << "\n";
+    err << ispdsp::tools::plainError("standard output: write failed" +
+                                     (errno != 0 ? std::string(": ") + std::strerror(errno) : std::string()));
     return false;
 }
 
 // A command-line mistake in our words, with where to look for the right form.
 int commandLineMistake(const CLI::App& app, const CLI::ParseError& e, int argc, char** argv, std::ostream& err) {
     const bool unknownCommand = app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-';
-    err << "error: "
-        << (unknownCommand ? "'" + std::string(argv[1]) + "' is not a command: " + kCommands
-                           : ispdsp::tools::commandLineProblem(e.what(), kCommands))
-        << " (ispdsp-cfg --help)\n";
+    err << ispdsp::tools::plainError((unknownCommand ? "'" + std::string(argv[1]) + "' is not a command: " + kCommands
+                                                     : ispdsp::tools::commandLineProblem(e.what(), kCommands)) +
+                                     " (ispdsp-cfg --help)");
     return cfg::kExitError;
 }
 
@@ -184,7 +185,7 @@ int main(int argc, char** argv) {
     try {
         status = runTool(argc, argv, err);
     } catch (const std::exception& e) {  // a fault of the tool: no input should end it here
-        err << "error: internal error: " << e.what() << "\n";
+        err << ispdsp::tools::plainError(std::string("internal error: ") + e.what());
         status = cfg::kExitError;
     }
     if (!standardOutputWritten(err)) status = cfg::kExitError;

@@ -78,6 +78,11 @@ temporary file beside it and renamed into place only when complete; it is
 never one of the run's inputs; an existing file is replaced only with --force
 (on the console: save --force FILE).
 
+Messages: "ispdsp-sim: error: FILE:LINE:COLUMN: ..." (the line and column in a
+scenario), the same words as ispdsp-cfg's ("error:", "warning:"); bytes from files and
+the driver's log are shown with control characters escaped (\x1B). An
+interrupted run says so in its summary and in the "end" record ("interrupted").
+
 Exit status: 0 run completed, 1 library/sandbox/driver setup failed (or the
 output could not be written), 2 bad command line, scenario or input file (a
 directory, unreadable, or a file of another kind), 130 interrupted by SIGINT,

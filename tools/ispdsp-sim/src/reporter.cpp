@@ -71,7 +71,7 @@ std::string pairStartMessageNote() {
 }
 std::string pairStartCallNote() { return "the start of a linked pair, not counted as a failure"; }
 std::string fusionDifferenceNote() {
-    return "the colour-mono difference: the driver combines the linked pipes so, by design";
+    return "colour minus mono, as the driver combines a linked pair";
 }
 
 void Reporter::beginOperation(int pipe, const std::string& op) {

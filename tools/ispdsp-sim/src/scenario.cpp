@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "input_file.h"
+#include "json_place.h"
 #include "json_syntax_error.h"
 #include "ispdsp/fusion.h"
 
@@ -340,9 +341,28 @@ std::vector<FrameInput> expandFrames(FrameInput state, const std::vector<Entry>&
     return out;
 }
 
-}  // namespace
+// "FILE: segments[1] (frames 2-4): field 'mono.gain': ..." -> "FILE:3:40: segments[1] ...", at
+// the value it is about (the entry when the field is not there); as it was when not found.
+std::string withPlace(const std::string& text, const std::string& displayName, const std::string& message) {
+    const std::string lead = displayName + ": ";
+    if (!message.starts_with(lead)) return message;
+    const std::string rest = message.substr(lead.size());
+    std::vector<std::string> path;
+    std::string_view field = rest;
+    if (!rest.starts_with("field '")) {
+        const size_t colon = rest.find(": ");
+        path = ispdsp::tools::jsonPathOf(rest.substr(0, colon));
+        field = colon == std::string::npos ? std::string_view() : field.substr(colon + 2);
+    }
+    if (field.starts_with("field '"))
+        for (std::string& step : ispdsp::tools::jsonPathOf(field.substr(7, field.find('\'', 7) - 7))) path.push_back(step);
+    std::optional<ispdsp::tools::TextPlace> place;
+    while (!path.empty() && !(place = ispdsp::tools::findJsonValue(text, path))) path.pop_back();
+    if (!place) return message;
+    return displayName + ":" + std::to_string(place->line) + ":" + std::to_string(place->column) + ": " + rest;
+}
 
-Scenario parseScenario(const std::string& text, const std::string& displayName, std::optional<int64_t> framesOverride) {
+Scenario readScenario(const std::string& text, const std::string& displayName, std::optional<int64_t> framesOverride) {
     const json doc = readDocument(text, displayName);
     Scenario scenario;
     scenario.name = baseName(displayName);
@@ -353,6 +373,16 @@ Scenario parseScenario(const std::string& text, const std::string& displayName, 
                                                                    : std::vector<Entry>{};
     scenario.frames = expandFrames(scenario.defaults, entries, frameCountFor(doc, displayName, entries, framesOverride));
     return scenario;
+}
+
+}  // namespace
+
+Scenario parseScenario(const std::string& text, const std::string& displayName, std::optional<int64_t> framesOverride) {
+    try {
+        return readScenario(text, displayName, framesOverride);
+    } catch (const ScenarioError& e) {
+        throw ScenarioError(withPlace(text, displayName, e.what()));
+    }
 }
 
 Scenario loadScenario(const std::string& path, std::optional<int64_t> framesOverride) {

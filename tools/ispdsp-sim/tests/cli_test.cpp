@@ -26,7 +26,7 @@ struct CliCase {
     const char* scenario = nullptr;  // text of {tmp}s.json, for scenario errors
 };
 
-// A scenario with an error: the message names the file and the place.
+// A scenario with an error: the message names the file, the line and column, and the place.
 CliCase bad(const char* text, const std::string& where) {
     return {{"{tmp}s.json"}, 2, "ispdsp-sim: error: {tmp}s.json" + where, text};
 }
@@ -56,16 +56,16 @@ const CliCase kCases[] = {
     bad("{\n  \"frames\": 3,\n  \"defaults\": {\"gain\": 2,}\n}\n", ":3:26: syntax error"),
     bad("{\n  \"segments\": [\n", ":3:1: syntax error"),
     bad("", ": is empty"),
-    bad(R"({"segments": [{"frames": 2}, {"frames": 3, "mono": {"gain": 17}}]})", ": segments[1] (frames 2-4): field 'mono.gain': 17 is outside 0..15"),
-    bad(R"({"keyframes": [{"frame": 0}, {"frame": 4, "imageScene": "parking"}]})", ": keyframes[1] (frame 4): field 'imageScene': unknown name \"parking\""),
-    bad(R"({"keyframes": [{"frame": 0, "zom": 1}]})", ": keyframes[0] (frame 0): unknown field 'zom'"),
-    bad(R"({"keyframes": [{"frame": 3}, {"frame": 1}]})", ": keyframes[1] (frame 1): keyframes must be in ascending frame order"),
-    bad(R"({"keyframes": [{"frame": 0, "gain": {"from": 0, "to": 3}}]})", ": keyframes[0] (frame 0): field 'gain': ramps"),
-    bad(R"({"defaults": {"gain": 2, "interCoff": 0.5}})", ": defaults: field 'gain' cannot stand beside"),
-    bad(R"({"segments": [{"frames": 1, "zoom": 1.5}]})", ": segments[0] (frame 0): field 'zoom': expected a whole number"),
-    bad(R"({"defaults": {"zoom": 3e9}})", ": defaults: field 'zoom': 3000000000.0 is outside -2147483648..2147483647"),
+    bad(R"({"segments": [{"frames": 2}, {"frames": 3, "mono": {"gain": 17}}]})", ":1:61: segments[1] (frames 2-4): field 'mono.gain': 17 is outside 0..15"),
+    bad(R"({"keyframes": [{"frame": 0}, {"frame": 4, "imageScene": "parking"}]})", ":1:57: keyframes[1] (frame 4): field 'imageScene': unknown name \"parking\""),
+    bad(R"({"keyframes": [{"frame": 0, "zom": 1}]})", ":1:16: keyframes[0] (frame 0): unknown field 'zom'"),
+    bad(R"({"keyframes": [{"frame": 3}, {"frame": 1}]})", ":1:30: keyframes[1] (frame 1): keyframes must be in ascending frame order"),
+    bad(R"({"keyframes": [{"frame": 0, "gain": {"from": 0, "to": 3}}]})", ":1:37: keyframes[0] (frame 0): field 'gain': ramps"),
+    bad(R"({"defaults": {"gain": 2, "interCoff": 0.5}})", ":1:23: defaults: field 'gain' cannot stand beside"),
+    bad(R"({"segments": [{"frames": 1, "zoom": 1.5}]})", ":1:37: segments[0] (frame 0): field 'zoom': expected a whole number"),
+    bad(R"({"defaults": {"zoom": 3e9}})", ":1:23: defaults: field 'zoom': 3000000000.0 is outside -2147483648..2147483647"),
     bad(R"({"frames": 1e400})", ":1:12: the number '1e400' is too large"),
-    bad(R"({"segments": [{"frames": 2}, {"gain": 1}]})", ": segments[1] (from frame 2): missing field 'frames'"),
+    bad(R"({"segments": [{"frames": 2}, {"gain": 1}]})", ":1:30: segments[1] (from frame 2): missing field 'frames'"),
 };
 // clang-format on
 

@@ -212,7 +212,9 @@ TEST(TableOutput, ShowsFramesMessagesAndSummary) {
     ASSERT_EQ(run.status, 0) << run.err;
     for (const char* text : {"-- frame 1 (scenario)", "> FSSWITCH       fcswitch 1  mode DSP_OUTPUT_FUSE",
                              "refresh -> 0  cfgChanged 0  row 0  PARAM_MULTICOLOR (0)  fusion on",
-                             "I [DSP_DRV] pswitch=1", "== summary: scenario gain_sweep.json, 2 frames"})
+                             "I [DSP_DRV] pswitch=1", "== summary: scenario gain_sweep.json, 2 frames",
+                             "! outside the DSP range (expected: colour minus mono, as the driver combines a linked pair)",
+                             "FUSION messages outside the DSP range by design (marked \"expected\"): 4\n   -1 results"})
         EXPECT_NE(run.out.find(text), std::string::npos) << text;
     EXPECT_EQ(simtest::runSim({"--frames", "2", "--quiet-log", simtest::scenarioPath("gain_sweep")}).out.find("[DSP_DRV]"),
               std::string::npos);
