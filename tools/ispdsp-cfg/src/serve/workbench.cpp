@@ -5,7 +5,7 @@
 #include "fusion_svg.h"
 #include "header_codec.h"
 #include "record_views.h"
-#include "safe_write.h"
+#include "output_file.h"
 #include "state_map_view.h"
 #include "tables_file.h"
 #include "tuning_codec.h"
@@ -159,8 +159,13 @@ json Workbench::save(const std::string& name, bool replace) {
     std::vector<std::string> errors;
     const std::optional<BuiltParamFile> built = buildParamFile(source->text, errors);
     if (!built) return failure(errors.empty() ? "the source does not build" : errors.front());
-    if (!writeFileSafely(*jsonPath, source->text, error) ||
-        !writeFileSafely(*binPath, std::string(built->bytes.begin(), built->bytes.end()), error))
+    // FileAccess has decided which files may be written; the tools' one writer puts each in
+    // place through a temporary file and a rename.
+    const OutputRule rule{{}, replace, "the replace choice"};
+    const auto* binBytes = reinterpret_cast<const char*>(built->bytes.data());
+    if (!writeOutputFile(jsonPath->string(), std::span<const char>(source->text.data(), source->text.size()), rule,
+                         error) ||
+        !writeOutputFile(binPath->string(), std::span<const char>(binBytes, built->bytes.size()), rule, error))
         return failure(error);
     access_.wrote(jsonName);
     access_.wrote(binName);
