@@ -82,13 +82,17 @@ constexpr std::array<Table_TYPE_MAP, kStateMapRows> buildStateMap() {
     return map;
 }
 
-// The scene block that owns `type`, or null for a value outside 0..119.
-constexpr const SceneBlock* sceneOfType(Int32 type) {
-    if (type >= 0 && type < kBaseSceneTypes) return &kSceneBlocksInMapOrder[0];
-    for (const SceneBlock& b : kSceneBlocksInMapOrder) {
-        if (b.imageScene != 0 && type >= b.types[0] && type < b.types[0] + kTypesPerScene) return &b;
+// The index of the scene block that owns `type`, or -1 for a value outside 0..119. An index,
+// not a pointer: GCC's sanitizers make a pointer compared with null no longer a constant.
+constexpr Int32 sceneOfType(Int32 type) {
+    if (type >= 0 && type < kBaseSceneTypes) return 0;
+    for (Uint32 block = 0; block < kSceneBlocks; ++block) {
+        const SceneBlock& b = kSceneBlocksInMapOrder[block];
+        if (b.imageScene != 0 && type >= b.types[0] && type < b.types[0] + kTypesPerScene) {
+            return static_cast<Int32>(block);
+        }
     }
-    return nullptr;
+    return -1;
 }
 
 // "PARAM_HDR_TRAFFIC_BLACKWHITE"; empty for a value outside 0..119.
@@ -102,8 +106,9 @@ constexpr void append(TypeName& n, const char* part) {
 }
 constexpr TypeName tableTypeName(Int32 type) {
     TypeName n;
-    const SceneBlock* scene = sceneOfType(type);
-    if (scene == nullptr) return n;
+    const Int32 block = sceneOfType(type);
+    if (block < 0) return n;
+    const SceneBlock* scene = &kSceneBlocksInMapOrder[static_cast<Uint32>(block)];
     Uint32 row = static_cast<Uint32>(type);  // base types are numbered like the rows
     if (scene->imageScene != 0) {
         row = 0;
@@ -135,8 +140,9 @@ static_assert(kTableTypes == 120 && tableTypeName(kTableTypes).text[0] == '\0');
 
 consteval bool everyTypeHasOneScene() {
     for (Int32 t = 0; t < kTableTypes; ++t) {
-        const SceneBlock* s = sceneOfType(t);
-        if (s == nullptr) return false;
+        const Int32 block = sceneOfType(t);
+        if (block < 0) return false;
+        const SceneBlock* s = &kSceneBlocksInMapOrder[static_cast<Uint32>(block)];
         bool named = s->imageScene == 0;
         for (Int32 rowType : s->types) named = named || rowType == t;
         if (!named) return false;
