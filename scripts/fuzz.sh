@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets with clang, address and undefined-behaviour
-# sanitizers (build/fuzz) and runs each for a fixed time, starting from the
+# sanitizers (build/fuzz) and runs each for a fixed time (ISPDSP_JOBS targets
+# at a time, default 2), starting from the
 # committed seeds in fuzz/corpus/<target>/. Prints the executions per target;
 # exits non-zero when a build fails or a target finds a crash, a leak or a
 # failed check (the reproducer lands in build/fuzz/artifacts/).
@@ -37,7 +38,7 @@ done
 
 echo "=== fuzz: configure and build in $dir"
 mkdir -p "$dir"
-if ! CC=clang CXX=clang++ cmake -S "$root" -B "$dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+if ! CC=clang CXX=clang++ cmake -S "$root" -B "$dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DISPDSP_LINE_TABLES_ONLY=ON \
         -DISPDSP_BUILD_FUZZ=ON -DISPDSP_SANITIZE=address,undefined \
         -DISPDSP_BUILD_TESTS=OFF -DISPDSP_BUILD_TOOLS=ON -DISPDSP_BUILD_BENCH=OFF >"$dir/configure.log" 2>&1; then
     cat "$dir/configure.log"
@@ -52,33 +53,59 @@ if ! cmake --build "$dir" -j "$jobs" "${build_targets[@]}"; then
 fi
 
 mkdir -p "$dir/artifacts"
-status=0
-total_runs=0
-started=$SECONDS
-summary=()
-for target in "${targets[@]}"; do
-    seeds="$root/fuzz/corpus/$target"
-    work="$dir/corpus/$target"
-    log="$dir/$target.log"
+# fuzz_one TARGET: runs one target, leaves its summary line in $dir/TARGET.summary; exit status of the run.
+fuzz_one() {
+    local target=$1
+    local seeds="$root/fuzz/corpus/$target"
+    local work="$dir/corpus/$target"
+    local log="$dir/$target.log"
     mkdir -p "$work"
-    echo "=== fuzz: $target for ${seconds}s"
+    rm -f "$dir/$target.summary"
     # Leaks are checked per input by LeakSanitizer and by the in-memory host;
     # -timeout catches a hang of one input.
     ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1} UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1} \
         "$dir/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 ${target_options[$target]:-} \
         -print_final_stats=1 -artifact_prefix="$dir/artifacts/$target-" "$work" "$seeds" >"$log" 2>&1
-    rc=$?
+    local rc=$?
+    local runs
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
-    units=$(ls "$work" | wc -l)
     runs=${runs:-0}
-    total_runs=$((total_runs + runs))
     if [ "$rc" -ne 0 ]; then
-        status=1
-        tail -n 40 "$log"
-        summary+=("$(printf '%-13s FAILED (exit %d) after %s executions; see %s' "$target" "$rc" "$runs" "$log")")
+        printf '%-13s FAILED (exit %d) after %s executions; see %s\n' "$target" "$rc" "$runs" "$log" >"$dir/$target.summary"
     else
-        summary+=("$(printf '%-13s %9s executions in %ss, %s corpus units' "$target" "$runs" "$seconds" "$units")")
+        printf '%-13s %9s executions in %ss, %s corpus units\n' "$target" "$runs" "$seconds" "$(ls "$work" | wc -l)" \
+            >"$dir/$target.summary"
     fi
+    return "$rc"
+}
+
+# Each target is one process on one core: $jobs of them at a time.
+status=0
+started=$SECONDS
+running=0
+for target in "${targets[@]}"; do
+    if [ "$running" -ge "$jobs" ]; then
+        wait -n || status=1
+        running=$((running - 1))
+    fi
+    echo "=== fuzz: $target for ${seconds}s"
+    fuzz_one "$target" &
+    running=$((running + 1))
+done
+while [ "$running" -gt 0 ]; do
+    wait -n || status=1
+    running=$((running - 1))
+done
+
+summary=()
+total_runs=0
+for target in "${targets[@]}"; do
+    line=$(cat "$dir/$target.summary" 2>/dev/null) || line="$target: no result; see $dir/$target.log"
+    summary+=("$line")
+    case $line in
+        *FAILED* | *"no result"*) status=1; tail -n 40 "$dir/$target.log" ;;
+        *) total_runs=$((total_runs + $(awk '{print $2}' <<<"$line"))) ;;
+    esac
 done
 
 echo
