@@ -13,11 +13,15 @@ using ispdsp_test::LogCapture;
 using ispdsp_test::LogKind;
 
 TEST(ConsoleMenu, ReturnsZeroAfterTheMenuAndRefusesAMissingTable) {
-    const CMD_DrvIspTable table[] = {{0, "only", nullptr, "\t the only entry", nullptr}, {}};
+    // A name is shown with at most 30 characters.
+    const CMD_DrvIspTable table[] = {{0, "only", nullptr, "\t the only entry", nullptr},
+                                     {1, "abcdefghijklmnopqrstuvwxyz0123456789", nullptr, "long", nullptr},
+                                     {}};
     LogCapture log;
     EXPECT_EQ(DRV_ispPrintDbgMenu(table, 1), 0);
     EXPECT_EQ(log.texts(), (std::vector<std::string>{"[DSP_DRV] Usage: aewDebug [cmd1][cmd2]=[cmd3]:[cmd4] ... \r\n",
-                                                     "[DSP_DRV] \nonly      : \t the only entry\r\n"}));
+                                                     "[DSP_DRV] \nonly      : \t the only entry\r\n",
+                                                     "[DSP_DRV] \nabcdefghijklmnopqrstuvwxyz0123: long\r\n"}));
     EXPECT_EQ(DRV_ispPrintDbgMenu(drvIspParam, 0), 0);
     log.clear();
     EXPECT_EQ(DRV_ispPrintDbgMenu(nullptr, 0), -1);

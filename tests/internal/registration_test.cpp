@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cctype>
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -143,6 +144,16 @@ TEST_F(Registration, FailedStepsOfAPlaceReturnMinusOne) {
     ispdsp_host_open_without_handle(0);
     EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetPropertyCfg", "param is null!\n"), 1u);
     EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispGetRegistrateCfg", "getPropertyCfgNew failed\n"), 1u);
+    // Each argument alone missing: refused before the others are used (the handle is never read).
+    Char line[8];
+    Int32 zoomNum, regNum;
+    const auto handle = reinterpret_cast<OSA_FileHandle>(uintptr_t{1});
+    for (int missing = 0; missing < 4; ++missing) {
+        EXPECT_EQ(DRV_ispGetPropertyCfg(missing == 0 ? nullptr : line, missing == 1 ? nullptr : handle,
+                                        missing == 2 ? nullptr : &zoomNum, missing == 3 ? nullptr : &regNum),
+                  -1);
+    }
+    EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetPropertyCfg", "param is null!\n"), 5u);
 }
 
 TEST_F(Registration, MalformedHeaderFailsThePlaceAndTheNextIsTried) {
