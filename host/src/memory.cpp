@@ -1,5 +1,6 @@
 // Memory of the reference host: malloc with a small header in front of every
-// block, so frees can be checked and the live bytes counted, plus fault injection.
+// block, so frees can be checked and the live bytes counted, and a guard behind
+// it, plus fault injection.
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -20,6 +21,14 @@ struct BlockHeader {  // sits right before the caller's block
     uint64_t size;
 };
 static_assert(sizeof(BlockHeader) == kHeaderSize);
+
+// Behind every block: a write past its end aborts at the free, and a read past
+// its end sees large positive values rather than the zeros that malloc's slack
+// often holds, so an index one too far changes what the driver does.
+constexpr size_t kGuardSize = 16;
+constexpr unsigned char kGuardByte = 0x7F;
+
+unsigned char* guard_of(void* block, uint64_t size) { return static_cast<unsigned char*>(block) + size; }
 
 std::atomic<uint64_t> g_alloc_calls{0};
 std::atomic<uint64_t> g_free_calls{0};
@@ -50,8 +59,8 @@ void* allocate(Uint32 size, Uint32 align) {
     const size_t lead = align > kHeaderSize ? align : kHeaderSize;
     void* base = nullptr;
     if (lead == kHeaderSize) {
-        base = std::malloc(kHeaderSize + size);
-    } else if (posix_memalign(&base, lead, lead + size) != 0) {
+        base = std::malloc(kHeaderSize + size + kGuardSize);
+    } else if (posix_memalign(&base, lead, lead + size + kGuardSize) != 0) {
         base = nullptr;
     }
     if (base == nullptr) {
@@ -59,6 +68,7 @@ void* allocate(Uint32 size, Uint32 align) {
     }
     void* block = static_cast<unsigned char*>(base) + lead;
     *header_of(block) = BlockHeader{kLiveMagic, static_cast<uint32_t>(lead), size};
+    std::memset(guard_of(block, size), kGuardByte, kGuardSize);
     g_live_blocks.fetch_add(1);
     g_live_bytes.fetch_add(size);
     return block;
@@ -95,6 +105,14 @@ Int32 OSA_memUFree(Ptr ptr) {
     if (header->magic != kLiveMagic) {
         std::fprintf(stderr, "ispdsp_host: OSA_memUFree(%p): not a live block\n", ptr);
         std::abort();
+    }
+    const unsigned char* guard = guard_of(ptr, header->size);
+    for (size_t i = 0; i < kGuardSize; ++i) {
+        if (guard[i] != kGuardByte) {
+            std::fprintf(stderr, "ispdsp_host: OSA_memUFree(%p): written past the end of its %llu bytes\n", ptr,
+                         static_cast<unsigned long long>(header->size));
+            std::abort();
+        }
     }
     header->magic = 0;
     g_free_calls.fetch_add(1);

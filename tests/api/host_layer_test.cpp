@@ -151,6 +151,16 @@ TEST(HostMemory, BlocksAreCountedFilledAndAligned) {
     EXPECT_EQ(OSA_memUAllocAlign(100, 24), nullptr);
 }
 
+TEST(HostMemoryDeathTest, AWritePastABlockAbortsAtItsFree) {
+    auto* block = static_cast<unsigned char*>(OSA_memUAllocAlign(10, 64));
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(block[10], 0x7F);  // what an index one too far reads
+    block[10 + 15] = 0;
+    EXPECT_DEATH(OSA_memUFree(block), "written past the end of its 10 bytes");
+    block[10 + 15] = 0x7F;
+    EXPECT_EQ(OSA_memUFree(block), 0);
+}
+
 TEST(HostLog, SinksNestAndTheDefaultPrefixesTheLevel) {
     LogCapture outer;
     {

@@ -9,7 +9,9 @@
  *   on, files kept in memory by path (fuzzing: no disk, no sandbox).
  *   Open handles and delivered bytes are counted.
  * - Memory through malloc, with counters and optional fault injection; an
- *   uncleared block is filled with 0xA5, so code that relies on zeros shows up.
+ *   uncleared block is filled with 0xA5, so code that relies on zeros shows up;
+ *   a 16-byte guard of 0x7F behind every block is checked at its free (a write
+ *   past the end aborts there) and makes a read past the end see large values.
  * - Log lines to stderr with their level, or to a sink that the program installs. */
 #ifndef ISPDSP_HOST_HOST_H
 #define ISPDSP_HOST_HOST_H
