@@ -138,12 +138,20 @@ constexpr const char* kStepCurvesTitle = "w_nir: NIR weight curves (points 0..51
 }  // namespace
 
 std::string stepColour(size_t step) {
-    const double t = static_cast<double>(step) / static_cast<double>(kGainSteps - 1);
-    const int r = static_cast<int>(std::lround(33 + t * (200 - 33)));
-    const int g = static_cast<int>(std::lround(102 - t * (102 - 40)));
-    const int b = static_cast<int>(std::lround(196 - t * (196 - 50)));
+    // The hue runs from blue through green to red; the lightness alternates so that neighbouring
+    // steps, whose hues are close, still tell apart.
+    const double hue = 240.0 * (1.0 - static_cast<double>(step) / static_cast<double>(kGainSteps - 1));
+    const double light = step % 2 == 0 ? 0.30 : 0.47, saturation = 0.85;
+    const double chroma = (1 - std::fabs(2 * light - 1)) * saturation;
+    const double h = hue / 60.0, x = chroma * (1 - std::fabs(std::fmod(h, 2.0) - 1));
+    double rgb[3] = {0, 0, 0};
+    const int sector = std::min(static_cast<int>(h), 5);
+    const int order[6][2] = {{0, 1}, {1, 0}, {1, 2}, {2, 1}, {2, 0}, {0, 2}};  // (chroma, x) channels per sector
+    rgb[order[sector][0]] = chroma;
+    rgb[order[sector][1]] = x;
     char text[16];
-    std::snprintf(text, sizeof text, "#%02x%02x%02x", r, g, b);
+    const auto byte = [&](double c) { return static_cast<int>(std::lround(255 * (c + light - chroma / 2))); };
+    std::snprintf(text, sizeof text, "#%02x%02x%02x", byte(rgb[0]), byte(rgb[1]), byte(rgb[2]));
     return text;
 }
 

@@ -19,7 +19,7 @@ struct CurveLine {
     double strokeWidth = 1.5;
 };
 
-// Blue (gain step 0) through violet to red (gain step 15).
+// Blue (gain step 0) through green to red (gain step 15), neighbours in alternating lightness.
 std::string stepColour(size_t step);
 
 // A table's fusion parameters: a small chart per scalar over the sixteen gain steps, then the
