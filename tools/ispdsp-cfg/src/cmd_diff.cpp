@@ -1,4 +1,5 @@
 // diff: differences between two parameter files, by header field, table and field.
+#include <algorithm>
 #include <cstdio>
 #include <map>
 
@@ -27,40 +28,8 @@ std::string keyLabel(const TableKey& k) {
 }
 
 void diffTable(const std::string& label, const TableEntry& a, const TableEntry& b, std::vector<std::string>& out) {
-    for (const FieldDef& f : allFields()) {
-        const bool fusion = isFusionField(f);
-        for (size_t step = 0; step < (fusion ? kGainSteps : 1); ++step) {
-            const size_t at = tableOffsetOf(f, step);
-            const int64_t va = loadField(a.bytes.data() + at, f.type);
-            const int64_t vb = loadField(b.bytes.data() + at, f.type);
-            if (va != vb) {
-                out.push_back(label + " " + fieldPath(f, fusion ? static_cast<int>(step) : -1) + ": " +
-                              std::to_string(va) + " -> " + std::to_string(vb));
-            }
-        }
-    }
-    for (size_t step = 0; step < kGainSteps; ++step) {
-        const size_t at = nirCurveOffset(step);
-        size_t differing = 0, first = 0;
-        for (size_t i = kNirPoints; i-- > 0;) {
-            if (a.bytes[at + i] != b.bytes[at + i]) {
-                ++differing;
-                first = i;
-            }
-        }
-        if (differing != 0) {
-            out.push_back(label + " fusion[" + std::to_string(step) + "].w_nir: " + std::to_string(differing) +
-                          " of " + std::to_string(kNirPoints) + " points differ (first [" + std::to_string(first) + "]: " +
-                          std::to_string(a.bytes[at + first]) + " -> " + std::to_string(b.bytes[at + first]) + ")");
-        }
-    }
-    const auto& padding = paddingMask();
-    for (size_t i = 0; i < kTableBytes; ++i) {
-        if (padding[i] && a.bytes[i] != b.bytes[i]) {
-            out.push_back(label + " padding byte at table offset " + std::to_string(i) + ": " + ispdsp::tools::hexText(a.bytes[i], 2) +
-                          " -> " + ispdsp::tools::hexText(b.bytes[i], 2));
-        }
-    }
+    for (const FieldPair& f : tableSideBySide(a, b))
+        if (f.differs) out.push_back(label + " " + f.line);
 }
 
 bool checksumMatches(const ParsedFile& f) { return f.checksumPresent && f.storedChecksum == f.computedChecksum; }
@@ -105,6 +74,59 @@ void diffHeader(const ParsedFile& a, const ParsedFile& b, std::vector<std::strin
 }
 
 }  // namespace
+
+std::vector<FieldPair> tableSideBySide(const TableEntry& a, const TableEntry& b) {
+    std::vector<FieldPair> pairs;
+    const auto add = [&pairs](std::string path, std::string mine, std::string theirs, std::string detail = "") {
+        const bool differs = mine != theirs;
+        std::string line = path + ": " + (detail.empty() ? mine + " -> " + theirs : detail);
+        pairs.push_back({std::move(path), std::move(mine), std::move(theirs), differs, std::move(line)});
+    };
+    for (const FieldDef& f : allFields()) {
+        const bool fusion = isFusionField(f);
+        for (size_t step = 0; step < (fusion ? kGainSteps : 1); ++step) {
+            const size_t at = tableOffsetOf(f, step);
+            add(fieldPath(f, fusion ? static_cast<int>(step) : -1), std::to_string(loadField(a.bytes.data() + at, f.type)),
+                std::to_string(loadField(b.bytes.data() + at, f.type)));
+        }
+    }
+    for (size_t step = 0; step < kGainSteps; ++step) {
+        const size_t at = nirCurveOffset(step);
+        size_t differing = 0, first = 0;
+        for (size_t i = kNirPoints; i-- > 0;) {
+            if (a.bytes[at + i] != b.bytes[at + i]) {
+                ++differing;
+                first = i;
+            }
+        }
+        const std::string path = "fusion[" + std::to_string(step) + "].w_nir";
+        const std::string points = std::to_string(kNirPoints) + " points";
+        if (differing == 0) {
+            add(path, points, points);
+            continue;
+        }
+        const std::string at0 = "[" + std::to_string(first) + "]: ";
+        add(path, points + ", " + at0 + std::to_string(a.bytes[at + first]), points + ", " + at0 + std::to_string(b.bytes[at + first]),
+            std::to_string(differing) + " of " + points + " differ (first " + at0 + std::to_string(a.bytes[at + first]) +
+                " -> " + std::to_string(b.bytes[at + first]) + ")");
+    }
+    const auto& padding = paddingMask();
+    for (size_t i = 0; i < kTableBytes; ++i) {
+        if (padding[i] && a.bytes[i] != b.bytes[i]) {
+            add("padding byte at table offset " + std::to_string(i), ispdsp::tools::hexText(a.bytes[i], 2),
+                ispdsp::tools::hexText(b.bytes[i], 2));
+        }
+    }
+    return pairs;
+}
+
+std::optional<size_t> pairedTable(const std::vector<TableEntry>& a, size_t index, const std::vector<TableEntry>& b) {
+    const std::vector<TableKey> ka = keysOf(a), kb = keysOf(b);
+    if (index >= ka.size()) return std::nullopt;
+    const auto it = std::find(kb.begin(), kb.end(), ka[index]);
+    if (it == kb.end()) return std::nullopt;
+    return static_cast<size_t>(it - kb.begin());
+}
 
 std::vector<std::string> fileDifferences(const ParsedFile& a, const ParsedFile& b, const std::string& nameA,
                                          const std::string& nameB) {

@@ -1,4 +1,5 @@
-// The fusion charts: one scalar panel per field over the gain steps, and weight-curve charts.
+// The charts: one scalar panel per field over the gain steps, weight-curve charts, and values per
+// frame from the simulator.
 #include "fusion_svg.h"
 
 #include <algorithm>
@@ -121,7 +122,7 @@ void svgHead(std::ostringstream& s, double width, double height) {
       << "\" viewBox=\"0 0 " << num(width) << " " << num(height) << "\" font-family=\"sans-serif\">\n"
       << "<style>.panel{fill:#fafafa;stroke:#ccc}.plot{fill:#fff;stroke:#999}.grid{stroke:#e4e4e4}"
          ".line{fill:none;stroke:#555;stroke-width:1.2}.title{font-size:13px;font-weight:bold;fill:#222}"
-         ".tick{font-size:10px;fill:#555}.heading{font-size:17px;font-weight:bold;fill:#111}</style>\n"
+         ".tick{font-size:10px;fill:#555}.legend{font-size:12px;fill:#222}.heading{font-size:17px;font-weight:bold;fill:#111}</style>\n"
       << "<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n";
 }
 
@@ -138,12 +139,20 @@ constexpr const char* kStepCurvesTitle = "w_nir: NIR weight curves (points 0..51
 }  // namespace
 
 std::string stepColour(size_t step) {
-    const double t = static_cast<double>(step) / static_cast<double>(kGainSteps - 1);
-    const int r = static_cast<int>(std::lround(33 + t * (200 - 33)));
-    const int g = static_cast<int>(std::lround(102 - t * (102 - 40)));
-    const int b = static_cast<int>(std::lround(196 - t * (196 - 50)));
+    // The hue runs from blue through green to red; the lightness alternates so that neighbouring
+    // steps, whose hues are close, still tell apart.
+    const double hue = 240.0 * (1.0 - static_cast<double>(step) / static_cast<double>(kGainSteps - 1));
+    const double light = step % 2 == 0 ? 0.30 : 0.47, saturation = 0.85;
+    const double chroma = (1 - std::fabs(2 * light - 1)) * saturation;
+    const double h = hue / 60.0, x = chroma * (1 - std::fabs(std::fmod(h, 2.0) - 1));
+    double rgb[3] = {0, 0, 0};
+    const int sector = std::min(static_cast<int>(h), 5);
+    const int order[6][2] = {{0, 1}, {1, 0}, {1, 2}, {2, 1}, {2, 0}, {0, 2}};  // (chroma, x) channels per sector
+    rgb[order[sector][0]] = chroma;
+    rgb[order[sector][1]] = x;
     char text[16];
-    std::snprintf(text, sizeof text, "#%02x%02x%02x", r, g, b);
+    const auto byte = [&](double c) { return static_cast<int>(std::lround(255 * (c + light - chroma / 2))); };
+    std::snprintf(text, sizeof text, "#%02x%02x%02x", byte(rgb[0]), byte(rgb[1]), byte(rgb[2]));
     return text;
 }
 
@@ -174,6 +183,81 @@ std::string weightCurvesSvg(const std::string& title, const std::vector<CurveLin
     std::ostringstream s;
     svgHead(s, width, height);
     curvePanel(s, title, curves, 0, 0, width, height);
+    s << "</svg>\n";
+    return s.str();
+}
+
+std::string frameSeriesSvg(const std::string& title, const std::vector<FrameSeries>& series,
+                           const std::vector<PointMark>& marks, const std::optional<ValueBand>& band) {
+    int64_t lo = INT64_MAX, hi = INT64_MIN, lastFrame = 1;
+    for (const FrameSeries& line : series)
+        for (const FramePoint& p : line.points) {
+            lo = std::min(lo, p.value);
+            hi = std::max(hi, p.value);
+            lastFrame = std::max(lastFrame, p.frame);
+        }
+    if (lo > hi) lo = hi = 0;
+    // Round ticks (1, 2 or 5 times a power of ten) that take in every value.
+    const double raw = std::max(1.0, static_cast<double>(hi - lo) / 6.0), power = std::pow(10.0, std::floor(std::log10(raw)));
+    const double fraction = raw / power;
+    const auto tick = static_cast<int64_t>(std::llround((fraction <= 1 ? 1 : fraction <= 2 ? 2 : fraction <= 5 ? 5 : 10) * power));
+    lo = (lo >= 0 ? lo / tick : -((-lo + tick - 1) / tick)) * tick;
+    hi = (hi >= 0 ? (hi + tick - 1) / tick : -(-hi / tick)) * tick;
+    if (lo == hi) hi += tick;
+    const double width = 900, legendTop = 360, height = legendTop + 18.0 * static_cast<double>(series.size() + marks.size() + (band ? 1 : 0)) + 14;
+    const double px = 70, pw = width - px - 24, py = 40, ph = legendTop - py - 46;
+    const auto xOf = [&](int64_t frame) { return px + pw * static_cast<double>(frame) / static_cast<double>(lastFrame); };
+    const auto yOf = [&](double v) { return py + ph - ph * (v - static_cast<double>(lo)) / static_cast<double>(hi - lo); };
+    std::ostringstream s;
+    svgHead(s, width, height);
+    text(s, 12, 24, title, "class=\"title\"");
+    s << "<rect x=\"" << num(px) << "\" y=\"" << num(py) << "\" width=\"" << num(pw) << "\" height=\"" << num(ph)
+      << "\" class=\"plot\"/>\n";
+    if (band && band->high >= lo && band->low <= hi) {  // the part of the DSP range the values reach
+        const double top = yOf(static_cast<double>(std::min(band->high, hi))), bottom = yOf(static_cast<double>(std::max(band->low, lo)));
+        s << "<rect x=\"" << num(px) << "\" y=\"" << num(top) << "\" width=\"" << num(pw) << "\" height=\""
+          << num(bottom - top) << "\" fill=\"#e3f1e3\"/>\n";
+    }
+    for (int64_t v = lo; v <= hi; v += tick) {
+        const double y = yOf(static_cast<double>(v));
+        s << "<line x1=\"" << num(px) << "\" y1=\"" << num(y) << "\" x2=\"" << num(px + pw) << "\" y2=\"" << num(y)
+          << "\" class=\"grid\"/>\n";
+        text(s, px - 6, y + 4, std::to_string(v), "class=\"tick\" text-anchor=\"end\"");
+    }
+    const int64_t every = std::max<int64_t>(1, (lastFrame + 15) / 16);
+    for (int64_t f = 0; f <= lastFrame; f += every)
+        text(s, xOf(f), py + ph + 15, std::to_string(f), "class=\"tick\" text-anchor=\"middle\"");
+    text(s, px + pw / 2, py + ph + 32, "frame", "class=\"tick\" text-anchor=\"middle\"");
+    for (const FrameSeries& line : series) {
+        std::string points;
+        for (const FramePoint& p : line.points) points += num(xOf(p.frame)) + "," + num(yOf(static_cast<double>(p.value))) + " ";
+        s << "<polyline points=\"" << points << "\" fill=\"none\" stroke=\"" << line.colour << "\" stroke-width=\""
+          << (line.dashed ? "1.5\" stroke-dasharray=\"6 4" : "3") << "\"/>\n";
+        for (const FramePoint& p : line.points) {
+            s << "<circle cx=\"" << num(xOf(p.frame)) << "\" cy=\"" << num(yOf(static_cast<double>(p.value))) << "\" r=\"2.5\" fill=\""
+              << line.colour << "\"/>\n";
+            if (p.mark >= 0 && static_cast<size_t>(p.mark) < marks.size())
+                s << "<circle cx=\"" << num(xOf(p.frame)) << "\" cy=\"" << num(yOf(static_cast<double>(p.value)))
+                  << "\" r=\"6\" fill=\"none\" stroke-width=\"2\" stroke=\"" << marks[static_cast<size_t>(p.mark)].colour << "\"/>\n";
+        }
+    }
+    double ly = legendTop;
+    for (const FrameSeries& line : series) {
+        s << "<line x1=\"" << num(px) << "\" y1=\"" << num(ly) << "\" x2=\"" << num(px + 24) << "\" y2=\"" << num(ly)
+          << "\" stroke=\"" << line.colour << "\" stroke-width=\"" << (line.dashed ? "2\" stroke-dasharray=\"6 4" : "3") << "\"/>\n";
+        text(s, px + 32, ly + 4, line.label, "class=\"legend\"");
+        ly += 18;
+    }
+    for (const PointMark& m : marks) {
+        s << "<circle cx=\"" << num(px + 12) << "\" cy=\"" << num(ly) << "\" r=\"6\" fill=\"none\" stroke-width=\"2\" stroke=\""
+          << m.colour << "\"/>\n";
+        text(s, px + 32, ly + 4, m.label, "class=\"legend\"");
+        ly += 18;
+    }
+    if (band) {
+        s << "<rect x=\"" << num(px) << "\" y=\"" << num(ly - 6) << "\" width=\"24\" height=\"12\" fill=\"#e3f1e3\"/>\n";
+        text(s, px + 32, ly + 4, band->label, "class=\"legend\"");
+    }
     s << "</svg>\n";
     return s.str();
 }

@@ -66,14 +66,16 @@ std::optional<ParamFileImage> readTableSet(const fs::path& path, std::string& er
     return std::move(parsed->image);
 }
 
-fs::path sampleParamFile() {
+fs::path sampleFolder() {
     std::error_code ec;
     const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
     if (!ec) {
-        const fs::path installed = exe.parent_path() / ISPDSP_CFG_INSTALLED_SAMPLE_DIR / "dsp_isp_para.bin";
-        if (fs::is_regular_file(installed, ec)) return installed.lexically_normal();
+        const fs::path installed = exe.parent_path() / ISPDSP_CFG_INSTALLED_SAMPLE_DIR;
+        if (fs::is_regular_file(installed / "dsp_isp_para.bin", ec)) return installed.lexically_normal();
     }
-    return fs::path(ISPDSP_CFG_SAMPLE_DIR) / "dsp_isp_para.bin";
+    return ISPDSP_CFG_SAMPLE_DIR;
 }
+
+fs::path sampleParamFile() { return sampleFolder() / "dsp_isp_para.bin"; }
 
 }  // namespace ispdsp::tools::cfg::serve

@@ -13,8 +13,9 @@ namespace ispdsp::tools::cfg::serve {
 
 std::optional<ParamFileImage> readTableSet(const std::filesystem::path& path, std::string& error);
 
-// The bundled sample parameter file: beside an installed binary (share/ispdsp/sample) or in
-// the source tree it was built from.
+// The bundled sample folder: beside an installed binary (share/ispdsp/sample) or in the source
+// tree it was built from; and its parameter file.
+std::filesystem::path sampleFolder();
 std::filesystem::path sampleParamFile();
 
 }  // namespace ispdsp::tools::cfg::serve

@@ -1,11 +1,15 @@
 #include "workbench.h"
 
+#include <algorithm>
+
 #include "file_checks.h"
 #include "file_differences.h"
 #include "fusion_svg.h"
 #include "header_codec.h"
-#include "record_views.h"
 #include "output_file.h"
+#include "record_views.h"
+#include "scenario_run.h"
+#include "simulation_view.h"
 #include "state_map_view.h"
 #include "tables_file.h"
 #include "tuning_codec.h"
@@ -91,7 +95,9 @@ json Workbench::overview() const {
               {"pdtName", describeText(h.pdtName)}}},
             {"tables", tableList(tables_)},
             {"findings", findingLines(tableFindings(tables_.entries))},
-            {"files", sources}};
+            {"files", sources},
+            {"scenarios", bundledScenarios()},
+            {"simulator", !simulatorExecutable().empty()}};
 }
 
 json Workbench::table(size_t index) const {
@@ -120,6 +126,7 @@ json Workbench::edit(size_t tableIndex, size_t field, size_t step, const std::st
     if (check.taken) result["value"] = check.value;
     if (check.taken && apply) {
         storeField(tables_.entries[tableIndex].bytes.data() + tableOffsetOf(f, step), f.type, check.value);
+        ++edits_;
         result["stored"] = true;
     }
     return result;
@@ -138,12 +145,42 @@ json Workbench::pair(size_t colourTable, const std::string& source, size_t monoT
     return pairView(tables_.entries[colourTable], mono->entries[monoTable], control);
 }
 
-json Workbench::compare(const std::string& name) {
+json Workbench::compare(const std::string& name, size_t tableIndex) {
     std::string error;
     const ParamFileImage* theirs = other(name, error);
     if (theirs == nullptr) return failure(error);
+    if (tableIndex >= tables_.entries.size()) return failure("no table " + std::to_string(tableIndex));
     const std::string mine = "the edited tables";
-    return {{"other", name}, {"lines", fileDifferences(parsedOf(tables_), parsedOf(*theirs), mine, name)}};
+    json side = {{"label", tableLabels(tables_.entries)[tableIndex]}, {"fields", json::array()}};
+    if (const std::optional<size_t> paired = pairedTable(tables_.entries, tableIndex, theirs->entries)) {
+        side["otherLabel"] = tableLabels(theirs->entries)[*paired];
+        for (const FieldPair& f : tableSideBySide(tables_.entries[tableIndex], theirs->entries[*paired]))
+            side["fields"].push_back({{"path", f.path}, {"mine", f.mine}, {"theirs", f.theirs}, {"differs", f.differs}});
+    }
+    json changedTables = json::array();  // so the page can offer them for the side-by-side view
+    for (size_t i = 0; i < tables_.entries.size(); ++i) {
+        const std::optional<size_t> paired = pairedTable(tables_.entries, i, theirs->entries);
+        if (!paired) continue;
+        const auto fields = tableSideBySide(tables_.entries[i], theirs->entries[*paired]);
+        if (std::any_of(fields.begin(), fields.end(), [](const FieldPair& f) { return f.differs; })) changedTables.push_back(i);
+    }
+    return {{"other", name},
+            {"lines", fileDifferences(parsedOf(tables_), parsedOf(*theirs), mine, name)},
+            {"changedTables", changedTables},
+            {"table", side}};
+}
+
+json Workbench::simulate(const std::string& scenario, const std::string& stage, const std::string& field) {
+    if (!lastRun_ || lastRun_->scenario != scenario || lastRun_->edits != edits_) {
+        lastRun_.reset();
+        std::string error;
+        const ParamFileImage* mono = nullptr;
+        if (!monoName_.empty() && (mono = other(monoName_, error)) == nullptr) return failure(error);
+        std::optional<std::vector<json>> records = runScenario(scenario, tables_, mono, error);
+        if (!records) return failure(error);
+        lastRun_ = SimulationRun{scenario, edits_, std::move(*records)};
+    }
+    return simulationView(lastRun_->records, stage, field);
 }
 
 json Workbench::save(const std::string& name, bool replace) {

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "file_access.h"
 #include "fusion_blend.h"
@@ -38,8 +39,12 @@ public:
     nlohmann::json blend(size_t tableIndex, const GainControl& control) const;
     // The mono table comes from `source`: "" for the edited tables, else a readable file's name.
     nlohmann::json pair(size_t colourTable, const std::string& source, size_t monoTable, const GainControl& control);
-    // The edited tables against a readable file, as `diff` reports them.
-    nlohmann::json compare(const std::string& name);
+    // The edited tables against a readable file, as `diff` reports them, and table `tableIndex`
+    // side by side with the table `diff` pairs it with.
+    nlohmann::json compare(const std::string& name, size_t tableIndex);
+    // A bundled scenario run by the simulator on the edited tables (and the --mono file's for the
+    // mono pipe), charted for one message field. A run is kept until the next edit.
+    nlohmann::json simulate(const std::string& scenario, const std::string& stage, const std::string& field);
     // `name`.json (the source) and `name`.bin (its build) in the start folder.
     nlohmann::json save(const std::string& name, bool replace);
 
@@ -53,6 +58,13 @@ private:
     ParamFileImage tables_;
     nlohmann::json stateMap_;
     std::map<std::string, ParamFileImage> others_;  // read once, by name
+    unsigned edits_ = 0;  // edits taken so far: a simulation run belongs to one state of the tables
+    struct SimulationRun {
+        std::string scenario;
+        unsigned edits = 0;
+        std::vector<nlohmann::json> records;
+    };
+    std::optional<SimulationRun> lastRun_;
 };
 
 }  // namespace ispdsp::tools::cfg::serve

@@ -128,7 +128,14 @@ void addWorkbenchRoutes(httplib::Server& server, Workbench& workbench, const Acc
     server.Post("/api/compare", locked([&](const httplib::Request& req, httplib::Response& res) {
                     const auto body = jsonBody(req);
                     if (!body) return refuse(res, 400, "the body must be a JSON object");
-                    reply(res, workbench.compare(body->value("name", std::string())));
+                    reply(res, workbench.compare(body->value("name", std::string()), body->value("table", size_t{0})));
+                }));
+    // Runs the simulator (seconds, under the lock: the run needs the tables to stay as they are).
+    server.Post("/api/simulate", locked([&](const httplib::Request& req, httplib::Response& res) {
+                    const auto body = jsonBody(req);
+                    if (!body) return refuse(res, 400, "the body must be a JSON object");
+                    reply(res, workbench.simulate(body->value("scenario", std::string()), body->value("stage", std::string()),
+                                                  body->value("field", std::string())));
                 }));
     server.Post("/api/save", locked([&](const httplib::Request& req, httplib::Response& res) {
                     const auto body = jsonBody(req);

@@ -1,8 +1,9 @@
 """One tuner's session in headless Chromium: open the sample, edit ep_delta of one gain step,
 move the gain control and compare the shown blend with the library's own calculation, compare
-with the sample, save, and check the saved binary against `ispdsp-cfg build`. Writes a
-screenshot of each view and the timings to OUT.
-Usage: CFG SAMPLE_BIN LIBISPDSP LIBISPDSP_HOST OUT. Exits 77 (skipped) without Chromium."""
+with the sample, save, check the saved binary against `ispdsp-cfg build`, and simulate a
+scenario on the edited tables as ispdsp-sim runs it on the saved ones. Writes a screenshot of
+each view and the timings to OUT.
+Usage: CFG SAMPLE_BIN LIBISPDSP LIBISPDSP_HOST OUT SIM. Exits 77 (skipped) without Chromium."""
 import ctypes
 import json
 import os
@@ -12,14 +13,14 @@ import sys
 import tempfile
 import time
 
-cfg, sample, lib_path, host_path, out = sys.argv[1:6]
+cfg, sample, lib_path, host_path, out, sim = sys.argv[1:7]
 chromium = shutil.which("chromium") or shutil.which("chromium-browser")
 driver = shutil.which("chromedriver")
 try:
     from selenium import webdriver
     from selenium.webdriver.common.by import By
     from selenium.webdriver.common.keys import Keys
-    from selenium.webdriver.support.ui import WebDriverWait
+    from selenium.webdriver.support.ui import Select, WebDriverWait
 except ImportError:
     chromium = None
 if not chromium or not driver:
@@ -51,6 +52,16 @@ def library_blend(param_file, table_index, start, end, coef):
     ctypes.memmove(ctypes.addressof(result) + 48, ctypes.byref(ctypes.c_void_p(ctypes.addressof(curve))), 8)
     assert lib.DRV_dspCalculateFusion(calc, result) == 0
     return int.from_bytes(result.raw[8:10], "little"), int.from_bytes(data[first + STEP * record:first + STEP * record + 2], "little")
+
+
+def simulated(tuning, field):
+    """[frame, pipe, value] of `field` in every FUSION message ispdsp-sim sends for gain_sweep."""
+    scenario = os.path.join(os.path.dirname(sample), "scenarios", "gain_sweep.json")
+    run = subprocess.run([sim, "--json", "--no-progress", "--quiet-log", "--tuning", tuning, scenario],
+                         capture_output=True, text=True, check=True)
+    records = [json.loads(line) for line in run.stdout.splitlines()]
+    return [[r["frame"], {"color": "colour"}.get(r["pipe"], r["pipe"]), r["fields"][field]] for r in records
+            if r["event"] == "message" and r["dir"] == "set" and r["stage"] == "FUSION"]
 
 
 options = webdriver.ChromeOptions()
@@ -115,16 +126,33 @@ try:
         browser.execute_script("document.getElementById('%s').scrollIntoView()" % element)
         browser.save_screenshot(os.path.join(out, shot))
 
+    _, sample_step = library_blend(sample, 0, STEP, STEP + 1, 0.0)  # the value the edit replaced
     browser.find_element(By.ID, "tab-compare").click()
     browser.find_element(By.ID, "compare-run").click()
     wait.until(lambda b: "differences" in b.find_element(By.ID, "compare-summary").text)
-    shown_lines = [r.text for r in browser.find_elements(By.CSS_SELECTOR, "#compare-lines tbody tr")]
+    shown_lines = browser.execute_script("return [...document.querySelectorAll('#compare-lines li')].map((l) => l.textContent)")
     browser.save_screenshot(os.path.join(out, "7-compare.png"))
+    browser.find_element(By.ID, "compare-changed-only").click()
+    wait.until(lambda b: len(b.find_elements(By.CSS_SELECTOR, "#compare-side tbody tr")) == 1)
+    assert browser.find_element(By.CSS_SELECTOR, "#compare-side tr.changed").text.split() == [
+        "fusion[%d].ep_delta" % STEP, str(EDITED), str(sample_step), "changed"]
+    browser.save_screenshot(os.path.join(out, "8-compare-side-by-side.png"))
 
     browser.find_element(By.ID, "tab-save").click()
     browser.find_element(By.ID, "save-run").click()
     wait.until(lambda b: "Saved" in b.find_element(By.ID, "save-result").text)
-    browser.save_screenshot(os.path.join(out, "8-save.png"))
+    browser.save_screenshot(os.path.join(out, "9-save.png"))
+
+    browser.find_element(By.ID, "tab-simulate").click()
+    Select(browser.find_element(By.ID, "sim-scenario")).select_by_value("gain_sweep")
+    wait.until(lambda b: "gain_sweep.json" in b.find_element(By.ID, "sim-summary").text)
+    Select(browser.find_element(By.ID, "sim-field")).select_by_value("FUSION ep_delta")
+    chart_says = "return decodeURIComponent(document.getElementById('sim-chart').src)"
+    wait.until(lambda b: "FUSION ep_delta sent" in b.execute_script(chart_says))
+    assert "expected: zeros at the start of a linked pair" in browser.execute_script(chart_says)
+    sim_rows = browser.execute_script("return [...document.querySelectorAll('#sim-values tbody tr')]"
+                                      ".map((r) => [...r.cells].slice(0, 3).map((c) => c.textContent))")
+    browser.save_screenshot(os.path.join(out, "10-simulate.png"))
 
     saved, rebuilt = wb.path("tuned.bin"), wb.path("rebuilt.bin")
     subprocess.run([cfg, "build", wb.path("tuned.json"), "-o", rebuilt], check=True, capture_output=True)
@@ -133,10 +161,11 @@ try:
     assert stored == EDITED, "the saved step %d holds ep_delta %d" % (STEP, stored)
     assert shown == expected, "the page shows ep_delta %d, the library blends %d" % (shown, expected)
     diff = subprocess.run([cfg, "diff", saved, sample], capture_output=True, text=True).stdout.splitlines()[:-1]
-    words = lambda line: line.replace(": ", " ").replace(" -> ", " ").split()
-    assert [words(d) for d in diff] == [words(s) for s in shown_lines], (diff, shown_lines)
+    assert diff == shown_lines, (diff, shown_lines)
     assert any("fusion[%d].ep_delta" % STEP in d for d in diff), diff
-    print("ok: edited, blended as the library does (ep_delta %d at coefficient %.2f), compared, saved" % (shown, coef))
+    on_page = [[int(f), p, int(v)] for f, p, v in sim_rows]
+    assert on_page == simulated(saved, "ep_delta") != simulated(sample, "ep_delta"), on_page
+    print("ok: edited, blended as the library does (ep_delta %d at coefficient %.2f), compared, saved, simulated" % (shown, coef))
 finally:
     browser.quit()
     status, err = wb.stop()

@@ -57,6 +57,11 @@ for name in ["../escape", "..", "%2e%2e%2fescape", "/tmp/escape", "sub/escape", 
 for name in ["../../etc/passwd", "/etc/passwd", "%2e%2e%2fetc%2fpasswd", "before.json", "link"]:
     status, body = request(wb, "POST", "/api/compare", {"name": name})
     expect("compare with %r is refused" % name, status == 400 and "root:" not in body)
+for name in ["../../etc/passwd", "/etc/passwd", "%2e%2e%2fgain_sweep", "gain_sweep.json"]:
+    status, body = request(wb, "POST", "/api/simulate", {"scenario": name})
+    expect("simulate %r is refused" % name, status == 400 and "root:" not in body)
+expect("a simulation without the token: refused",
+       request(wb, "POST", "/api/simulate", {"scenario": "gain_sweep"}, token=False)[0] == 401)
 expect("nothing escaped the folder", not os.path.exists(os.path.join(os.path.dirname(wb.folder.name), "escape")))
 expect("a body over the limit: 413", request(wb, "POST", "/api/edit", b"{" + b" " * 100000 + b"}")[0] == 413)
 expect("a body field of the wrong type: 400", request(wb, "POST", "/api/edit", {"table": "x"})[0] == 400)

@@ -227,19 +227,53 @@ async function redrawPair() {
 
 // ---- compare and save ----
 
+let compared = false;  // the side-by-side view follows the table chooser once a comparison ran
 async function runCompare() {
-  const r = await api('compare', { name: $('compare-with').value });
+  const r = await api('compare', { name: $('compare-with').value, table: state.table });
   if (r.error) { $('compare-summary').textContent = r.error; return; }
-  $('compare-summary').textContent = r.lines.length ? r.lines.length + ' differences from ' + r.other + ' (as ispdsp-cfg diff reports them):'
-    : 'no differences from ' + r.other;
-  const rows = r.lines.map((line) => {
-    const m = /^(\S+(?: \(occurrence \d+\))?) ([^:]+): (.*) -> (.*)$/.exec(line);
-    return m ? el('tr', { class: 'changed' }, el('td', {}, m[1]), el('th', { scope: 'row' }, m[2]), el('td', {}, m[3]), el('td', {}, m[4]))
-      : el('tr', { class: 'changed' }, el('td', { colspan: 4 }, line));
-  });
-  $('compare-lines').replaceChildren(
-    el('thead', {}, el('tr', {}, ...['table', 'field', 'edited', r.other].map((h) => el('th', {}, h)))),
-    el('tbody', {}, ...rows));
+  compared = true;
+  $('compare-summary').textContent = r.lines.length ? r.lines.length + ' differences from ' + r.other +
+    ' (as ispdsp-cfg diff reports them); tables with changed fields:' : 'no differences from ' + r.other;
+  $('compare-tables').replaceChildren(...r.changedTables.map((i) => el('button', {
+    onclick: () => { $('table-choice').value = i; $('table-choice').dispatchEvent(new Event('change')); },
+  }, state.overview.tables[i].label)));
+  $('compare-lines').replaceChildren(...r.lines.map((line) => el('li', {}, line)));
+  const t = r.table;
+  $('compare-table').textContent = t.otherLabel ? t.label + ' (edited) and ' + t.otherLabel + ' of ' + r.other
+    : t.label + ': ' + r.other + ' has no table of this type';
+  const onlyChanged = $('compare-changed-only').checked;
+  $('compare-side').replaceChildren(
+    el('thead', {}, el('tr', {}, ...['field', 'the edited tables', r.other, ''].map((h) => el('th', { scope: 'col' }, h)))),
+    el('tbody', {}, ...t.fields.filter((f) => f.differs || !onlyChanged).map((f) =>
+      el('tr', { class: f.differs ? 'changed' : '' }, el('th', { scope: 'row' }, f.path), el('td', {}, f.mine),
+        el('td', {}, f.theirs), el('td', { class: 'change-mark' }, f.differs ? 'changed' : '')))));
+}
+
+// ---- simulate ----
+
+let simSerial = 0;
+async function runSimulation() {
+  const serial = ++simSerial;
+  const [stage, field] = ($('sim-field').value || ' ').split(' ');
+  $('sim-summary').textContent = 'running ' + $('sim-scenario').value + ' in the simulator…';
+  const r = await api('simulate', { scenario: $('sim-scenario').value, stage, field });
+  if (serial !== simSerial) return;
+  if (r.error) { $('sim-summary').textContent = 'Not run: ' + r.error; $('sim-chart').hidden = true; return; }
+  const stages = [...new Set(r.fields.map((f) => f.stage))];
+  $('sim-field').replaceChildren(...stages.map((st) => el('optgroup', { label: st },
+    ...r.fields.filter((f) => f.stage === st).map((f) => el('option', { value: f.stage + ' ' + f.field }, f.stage + ' ' + f.field)))));
+  $('sim-field').value = r.stage + ' ' + r.field;
+  const end = r.end;
+  const messages = Object.entries(end.messages || {}).map(([k, v]) => k + ' ' + v).join(', ');
+  $('sim-summary').textContent = r.scenario + ' (' + r.description + '): ' + end.frames + ' frames; messages ' + messages +
+    '; ' + end.failedCalls + ' failed calls; ' + end.expectedOutOfRange + ' messages with values outside the DSP range by design' +
+    ((end.failures || []).length ? '; failures: ' + end.failures.join('; ') : '');
+  $('sim-chart').src = svgSource(r.svg);
+  $('sim-chart').hidden = false;
+  $('sim-values').replaceChildren(
+    el('thead', {}, el('tr', {}, ...['frame', 'pipe', r.field, 'note'].map((h) => el('th', { scope: 'col' }, h)))),
+    el('tbody', {}, ...r.rows.map((x) => el('tr', { class: x.note.startsWith('!') ? 'outside' : '' },
+      el('td', {}, x.frame), el('td', {}, x.pipe), el('td', {}, x.value), el('td', { class: 'note' }, x.note)))));
 }
 
 async function runSave() {
@@ -308,6 +342,12 @@ async function start() {
   $('mono-source').addEventListener('change', () => { fillMonoTables(); redrawPair(); });
   $('mono-table').addEventListener('change', redrawPair);
   $('compare-run').addEventListener('click', runCompare);
+  $('compare-changed-only').addEventListener('change', runCompare);
+  $('table-choice').addEventListener('change', () => { if (compared) runCompare(); });
+  $('sim-scenario').replaceChildren(...ov.scenarios.map((n) => el('option', { value: n }, n)));
+  if (!ov.simulator) $('sim-summary').textContent = 'ispdsp-sim is not installed beside ispdsp-cfg: scenarios cannot be run.';
+  for (const id of ['sim-scenario', 'sim-field']) $(id).addEventListener('change', runSimulation);
+  $('sim-run').addEventListener('click', runSimulation);
   $('save-run').addEventListener('click', runSave);
   window.workbenchReadyMs = performance.now() - t0;  // the first view can be used
   await loadTable(true);

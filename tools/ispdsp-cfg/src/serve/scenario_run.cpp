@@ -1,0 +1,124 @@
+#include "scenario_run.h"
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
+#include "bounded_run.h"
+#include "printable_text.h"
+#include "tables_file.h"
+
+#ifndef ISPDSP_CFG_BUILT_SIM
+#define ISPDSP_CFG_BUILT_SIM ""
+#endif
+
+namespace ispdsp::tools::cfg::serve {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+namespace {
+
+// A folder of our own under the system's temporary folder, removed with everything in it.
+class ScratchFolder {
+public:
+    ScratchFolder() {
+        std::error_code ec;
+        std::string pattern = (fs::temp_directory_path(ec) / "ispdsp-workbench-sim-XXXXXX").string();
+        if (!ec && mkdtemp(pattern.data()) != nullptr) path_ = pattern;
+    }
+    ~ScratchFolder() {
+        std::error_code ec;
+        if (!path_.empty()) fs::remove_all(path_, ec);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    const fs::path& path() const { return path_; }
+
+private:
+    fs::path path_;
+};
+
+bool writeTables(const fs::path& path, const ParamFileImage& image) {
+    const std::vector<uint8_t> bytes = serializeParamFile(image);
+    std::ofstream out(path, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    return static_cast<bool>(out.flush());
+}
+
+fs::path scenarioFolder() { return sampleFolder() / "scenarios"; }
+
+// The simulator's own words, made safe and cut to the first line.
+std::string firstLineOf(const std::string& errors) {
+    const std::string line = errors.substr(0, errors.find('\n'));
+    return line.empty() ? "" : ": " + printableText(line);
+}
+
+}  // namespace
+
+std::vector<std::string> bundledScenarios() {
+    std::vector<std::string> names;
+    std::error_code ec;
+    for (const fs::directory_entry& e : fs::directory_iterator(scenarioFolder(), ec))
+        if (e.path().extension() == ".json" && e.is_regular_file(ec)) names.push_back(e.path().stem().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+fs::path simulatorExecutable() {
+    std::error_code ec;
+    const fs::path beside = fs::read_symlink("/proc/self/exe", ec).parent_path() / "ispdsp-sim";
+    if (!ec && fs::is_regular_file(beside, ec)) return beside;
+    const fs::path built = ISPDSP_CFG_BUILT_SIM;
+    if (!built.empty() && fs::is_regular_file(built, ec)) return built;
+    return {};
+}
+
+std::optional<std::vector<json>> runScenario(const std::string& scenario, const ParamFileImage& tables,
+                                             const ParamFileImage* mono, std::string& error) {
+    const std::vector<std::string> known = bundledScenarios();
+    if (std::find(known.begin(), known.end(), scenario) == known.end()) {
+        error = "\"" + printableText(scenario) + "\": not one of the bundled scenarios in " + scenarioFolder().string();
+        return std::nullopt;
+    }
+    const std::string scenarioFile = scenario + ".json";
+    const fs::path simulator = simulatorExecutable();
+    if (simulator.empty()) {
+        error = "ispdsp-sim is not installed beside ispdsp-cfg: the scenario cannot be run";
+        return std::nullopt;
+    }
+    const ScratchFolder scratch;
+    const fs::path colourFile = scratch.path() / "tables.bin", monoFile = scratch.path() / "mono.bin";
+    if (scratch.path().empty() || !writeTables(colourFile, tables) || (mono && !writeTables(monoFile, *mono))) {
+        error = "cannot write the tables for the simulator to a temporary folder";
+        return std::nullopt;
+    }
+    std::vector<std::string> argv = {simulator.string(), "--json", "--no-progress", "--quiet-log",
+                                     "--root", (scratch.path() / "root").string(), "--tuning", colourFile.string()};
+    if (mono) argv.insert(argv.end(), {"--mono-tuning", monoFile.string()});
+    argv.push_back((scenarioFolder() / scenarioFile).string());
+
+    const RunLimits limits;
+    const BoundedRun run = runBounded(argv, scratch.path().string(), limits);
+    if (!run.started) error = scenarioFile + ": cannot start " + simulator.string();
+    else if (run.timedOut) error = scenarioFile + ": the simulator took longer than " + std::to_string(limits.time.count() / 1000) + " s; stopped";
+    else if (run.tooMuchOutput) error = scenarioFile + ": the simulator printed more than " + std::to_string(limits.outputBytes >> 20) + " MiB; stopped";
+    else if (run.exitStatus != 0) error = scenarioFile + ": the simulator failed (exit status " + std::to_string(run.exitStatus) + ")" + firstLineOf(run.errors);
+    if (!error.empty()) return std::nullopt;
+
+    std::vector<json> records;
+    std::istringstream lines(run.output);
+    for (std::string line; std::getline(lines, line);) {
+        json record = json::parse(line, nullptr, false);
+        if (record.is_discarded() || !record.is_object()) {
+            error = scenarioFile + ": the simulator wrote a line that is not a JSON record";
+            return std::nullopt;
+        }
+        records.push_back(std::move(record));
+    }
+    return records;
+}
+
+}  // namespace ispdsp::tools::cfg::serve
