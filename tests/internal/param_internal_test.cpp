@@ -69,6 +69,9 @@ TEST(LessSuitableType, FailureNamesTheSourceFileFunctionAndTheSameLineTwice) {
     const std::string tail = "param_table.cpp::getLessSuitableType:" + line +
                              " We failed to find other suitable param instead! The program should be terminated!\n";
     EXPECT_EQ(text.substr(text.size() - tail.size()), tail) << text;
+    Int32 index = -7;
+    EXPECT_FALSE(isTypeMatch(PARAM_MULTICOLOR, nullptr, 4, &index)) << "no rule list matches nothing";
+    EXPECT_EQ(index, -7);
 }
 
 }  // namespace
