@@ -83,7 +83,9 @@ try:
     opened = time.monotonic()
     browser.get(wb.url)
     wait.until(lambda b: b.execute_script("return window.workbenchReadyMs !== undefined"))
-    timings["usable after open (ms, navigation to ready)"] = round((time.monotonic() - opened) * 1000)
+    timings["usable after open (ms, navigation to ready, with the browser's first page start)"] = round((time.monotonic() - opened) * 1000)
+    timings["navigation start to first view usable (ms)"] = round(
+        browser.execute_script("return window.workbenchReadySinceNavigationMs"))
     timings["page script start to first view usable (ms)"] = round(browser.execute_script("return window.workbenchReadyMs"))
     wait.until(lambda b: b.execute_script("return window.workbenchLoadedMs !== undefined"))
     timings["page script start to every view filled (ms)"] = round(browser.execute_script("return window.workbenchLoadedMs"))

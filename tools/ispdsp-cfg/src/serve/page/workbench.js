@@ -350,6 +350,7 @@ async function start() {
   $('sim-run').addEventListener('click', runSimulation);
   $('save-run').addEventListener('click', runSave);
   window.workbenchReadyMs = performance.now() - t0;  // the first view can be used
+  window.workbenchReadySinceNavigationMs = performance.now();  // page, script and first answers included
   await loadTable(true);
   window.workbenchLoadedMs = performance.now() - t0;  // every view filled in
   say('ready in ' + window.workbenchReadyMs.toFixed(0) + ' ms, all views in ' + window.workbenchLoadedMs.toFixed(0) + ' ms');
