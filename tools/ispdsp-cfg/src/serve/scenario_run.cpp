@@ -1,13 +1,11 @@
 #include "scenario_run.h"
 
-#include <stdlib.h>
-
 #include <algorithm>
-#include <fstream>
 #include <sstream>
 
 #include "bounded_run.h"
 #include "printable_text.h"
+#include "private_folder.h"
 #include "tables_file.h"
 
 #ifndef ISPDSP_CFG_BUILT_SIM
@@ -21,31 +19,10 @@ using nlohmann::json;
 
 namespace {
 
-// A folder of our own under the system's temporary folder, removed with everything in it.
-class ScratchFolder {
-public:
-    ScratchFolder() {
-        std::error_code ec;
-        std::string pattern = (fs::temp_directory_path(ec) / "ispdsp-workbench-sim-XXXXXX").string();
-        if (!ec && mkdtemp(pattern.data()) != nullptr) path_ = pattern;
-    }
-    ~ScratchFolder() {
-        std::error_code ec;
-        if (!path_.empty()) fs::remove_all(path_, ec);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    const fs::path& path() const { return path_; }
-
-private:
-    fs::path path_;
-};
-
+// The tables as the simulator reads them.
 bool writeTables(const fs::path& path, const ParamFileImage& image) {
-    const std::vector<uint8_t> bytes = serializeParamFile(image);
-    std::ofstream out(path, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return static_cast<bool>(out.flush());
+    std::string ignored;  // the caller reports the failure in its own words
+    return writeFileBytes(path.string(), serializeParamFile(image), ignored);
 }
 
 fs::path scenarioFolder() { return sampleFolder() / "scenarios"; }
@@ -89,7 +66,7 @@ std::optional<std::vector<json>> runScenario(const std::string& scenario, const 
         error = "ispdsp-sim is not installed beside ispdsp-cfg: the scenario cannot be run";
         return std::nullopt;
     }
-    const ScratchFolder scratch;
+    const PrivateFolder scratch;
     const fs::path colourFile = scratch.path() / "tables.bin", monoFile = scratch.path() / "mono.bin";
     if (scratch.path().empty() || !writeTables(colourFile, tables) || (mono && !writeTables(monoFile, *mono))) {
         error = "cannot write the tables for the simulator to a temporary folder";

@@ -1,10 +1,9 @@
 #include "state_map_view.h"
 
-#include <stdlib.h>
-
 #include <filesystem>
 
 #include "library_selection.h"
+#include "private_folder.h"
 #include "selection_rules.h"
 #include "type_names.h"
 
@@ -14,30 +13,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A folder of its own under the system temp dir, removed with its contents.
-struct PrivateFolder {
-    fs::path path;
-    PrivateFolder() {
-        std::string pattern = (fs::temp_directory_path() / "ispdsp-serve-XXXXXX").string();
-        if (mkdtemp(pattern.data()) != nullptr) path = pattern;
-    }
-    ~PrivateFolder() {
-        std::error_code ec;
-        if (!path.empty()) fs::remove_all(path, ec);
-    }
-};
-
 const char* hdrWord(const MapRow& r) { return r.isHDR ? "HDR" : r.isWDR ? "WDR" : "linear"; }
 
 }  // namespace
 
 std::optional<nlohmann::json> stateMapView(const ParamFileImage& image, std::string& error) {
     const PrivateFolder folder;
-    if (folder.path.empty()) {
+    if (folder.path().empty()) {
         error = "cannot create a temporary folder";
         return std::nullopt;
     }
-    const fs::path file = folder.path / "tables.bin";
+    const fs::path file = folder.path() / "tables.bin";
     if (!writeFileBytes(file.string(), serializeParamFile(image), error)) return std::nullopt;
     auto lib = LibraryTables::load(file.string(), error);
     if (!lib) return std::nullopt;

@@ -152,17 +152,16 @@ json Workbench::compare(const std::string& name, size_t tableIndex) {
     if (tableIndex >= tables_.entries.size()) return failure("no table " + std::to_string(tableIndex));
     const std::string mine = "the edited tables";
     json side = {{"label", tableLabels(tables_.entries)[tableIndex]}, {"fields", json::array()}};
-    if (const std::optional<size_t> paired = pairedTable(tables_.entries, tableIndex, theirs->entries)) {
-        side["otherLabel"] = tableLabels(theirs->entries)[*paired];
-        for (const FieldPair& f : tableSideBySide(tables_.entries[tableIndex], theirs->entries[*paired]))
-            side["fields"].push_back({{"path", f.path}, {"mine", f.mine}, {"theirs", f.theirs}, {"differs", f.differs}});
-    }
     json changedTables = json::array();  // so the page can offer them for the side-by-side view
     for (size_t i = 0; i < tables_.entries.size(); ++i) {
         const std::optional<size_t> paired = pairedTable(tables_.entries, i, theirs->entries);
         if (!paired) continue;
-        const auto fields = tableSideBySide(tables_.entries[i], theirs->entries[*paired]);
+        const std::vector<FieldPair> fields = tableSideBySide(tables_.entries[i], theirs->entries[*paired]);
         if (std::any_of(fields.begin(), fields.end(), [](const FieldPair& f) { return f.differs; })) changedTables.push_back(i);
+        if (i != tableIndex) continue;
+        side["otherLabel"] = tableLabels(theirs->entries)[*paired];
+        for (const FieldPair& f : fields)
+            side["fields"].push_back({{"path", f.path}, {"mine", f.mine}, {"theirs", f.theirs}, {"differs", f.differs}});
     }
     return {{"other", name},
             {"lines", fileDifferences(parsedOf(tables_), parsedOf(*theirs), mine, name)},
