@@ -19,8 +19,8 @@
 #include <utility>
 #include <vector>
 
-#include "diagnostics.h"
 #include "field_table.h"
+#include "json_source.h"
 
 namespace ispdsp::tools {
 

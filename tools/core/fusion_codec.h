@@ -9,7 +9,7 @@
 
 #include <string>
 
-#include "diagnostics.h"
+#include "json_source.h"
 #include "param_file_image.h"
 
 namespace ispdsp::tools {

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "diagnostics.h"
+#include "json_source.h"
 
 namespace ispdsp::tools {
 

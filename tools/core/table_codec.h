@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-#include "diagnostics.h"
+#include "json_source.h"
 #include "param_file_image.h"
 
 namespace ispdsp::tools {

@@ -1,4 +1,4 @@
-#include "diagnostics.h"
+#include "json_source.h"
 
 #include <algorithm>
 #include <limits>
