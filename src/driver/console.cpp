@@ -1,6 +1,7 @@
 // The debug console: matches the host's arguments against the command table,
 // changes the current table's fusion records through the fusion debug setters
 // and asks the host to run the fusion operation again after every change.
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -25,10 +26,7 @@ const char* argumentAt(const DRV_ispCmdParam* cmdParam, Int32 i) {
 // up to the first other character; no digits give 0). Values beyond the 32-bit
 // range saturate instead of wrapping; the setters clamp to the field's range.
 Int32 readDecimal(const char* text) {
-    const long value = std::strtol(text, nullptr, 10);
-    if (value > INT_MAX) return INT_MAX;
-    if (value < INT_MIN) return INT_MIN;
-    return static_cast<Int32>(value);
+    return static_cast<Int32>(std::clamp<long>(std::strtol(text, nullptr, 10), INT_MIN, INT_MAX));
 }
 
 // The first entry from `position` on whose name is `name`, or the end entry.
@@ -88,11 +86,8 @@ Int32 DRV_ispSetDbgDspParam(DRV_ispOpsParams* ispOps, DRV_ispCmdParam* cmd_param
     // must follow the table's order.
     size_t position = 0;
     Int32 i = 0;
-    while (i < cmd_param->argc && i < DRV_ISP_CMD_MAX_ARGS) {
-        const char* name = argumentAt(cmd_param, i);
-        // A null entry inside the count ends the argument list like argc does.
-        if (name == nullptr) break;
-
+    // The list ends at argc, at the array's end or at a null entry inside the count.
+    while (const char* name = argumentAt(cmd_param, i)) {
         position = findCommand(name, position);
         const CMD_DrvIspTable& entry = drvIspParam[position];
         if (entry.name == nullptr) {

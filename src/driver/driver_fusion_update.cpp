@@ -29,7 +29,7 @@ Int32 lastregisterFlag = 0;  // registerFlag for which the CAL message was last 
 // the previous index stays.
 void lookUpZoomIndex(Int32 zoom) {
     const DRV_RegistrateParam& registration = drvRegistrateParam;
-    if (registration.zoomNum <= 0 || registration.zoomX == nullptr) return;
+    if (registration.zoomX == nullptr) return;  // nothing registered (zoomNum is then 0 too)
     for (Int32 i = 0; i < registration.zoomNum; ++i) {
         if (zoom <= registration.zoomX[i]) {
             curZoomIndex = i;

@@ -3,6 +3,7 @@
 //
 // File format: 40 lines; lines 1..39 hold 13 integers, each followed by a
 // comma ("%d,%d,...,%d,"), line 40 holds the last 4 ("%d,%d,%d,%d").
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -115,7 +116,7 @@ static Uint32 DRV_dspPrintNir(Uint32 from, Uint32 to, const Uint8* inData, Uint3
     }
     ISP_LOG_INFO("%s:\n", titleStr != nullptr ? titleStr : "");
 
-    const Uint32 end = to < inDataNum ? to : inDataNum;
+    const Uint32 end = std::min(to, inDataNum);
     Char line[256] = {};
     size_t len = 0;
     Uint32 appended = 0;
