@@ -126,22 +126,25 @@ constexpr int debugIdOf(const TableStage& stage, const NamedField& f) {
     return -1;
 }
 
+// True when two field paths lie in the same nested part ("plateLaeParam.a", "plateLaeParam.b"),
+// or both directly in the record.
+constexpr bool isNested(const char* path) {
+    for (; *path != '\0'; ++path) {
+        if (*path == '.') return true;
+    }
+    return false;
+}
+constexpr bool sameGroup(const char* a, const char* b) {
+    if (!isNested(a) && !isNested(b)) return true;
+    std::size_t i = 0;
+    while (a[i] != '\0' && a[i] != '.' && a[i] == b[i]) ++i;
+    return a[i] == '.' && b[i] == '.';  // the same part name, each followed by its dot
+}
+
 // The stored fields, in record order, leave no gap that a field could fill: every gap is
 // alignment padding (smaller than the next field's width, or at the end than the widest
 // field), and the records tile the table the same way. A record member that the description
 // leaves out shows here, before a codec would silently drop it.
-// True when two field paths lie in the same nested part ("plateLaeParam.a", "plateLaeParam.b"),
-// or both directly in the record.
-consteval bool sameGroup(const char* a, const char* b) {
-    std::size_t i = 0;
-    while (a[i] != '\0' && a[i] != '.' && a[i] == b[i]) ++i;
-    const bool aEnds = a[i] == '\0' || a[i] == '.', bEnds = b[i] == '\0' || b[i] == '.';
-    const bool aNested = [&] { for (const char* c = a; *c; ++c) if (*c == '.') return true; return false; }();
-    const bool bNested = [&] { for (const char* c = b; *c; ++c) if (*c == '.') return true; return false; }();
-    if (!aNested && !bNested) return true;
-    return aNested && bNested && aEnds && bEnds && a[i] == b[i];
-}
-
 consteval bool storedFieldsCoverTheirRecords() {
     std::size_t tableAt = offsetof(CFG_DspIspCfgParam, ispLsmParam);
     for (const TableStage& stage : kTableStages) {
