@@ -13,21 +13,19 @@
 #include <string>
 #include <vector>
 
-#include "api/driver_host.h"
+#include "api/fusion_pair.h"
 #include "support/mem_guard.h"
 
 namespace {
 
+using driver_test::DriverFusion;
 using driver_test::HostPipe;
+using driver_test::kColourPipe;
+using driver_test::kMonoPipe;
+using driver_test::tableVariant;
 using ispdsp_test::LogKind;
 using ispdsp_test::DspCall;
 using ispdsp_test::ParamFileBuilder;
-
-constexpr Uint32 kColourPipe = 1;
-constexpr Uint32 kMonoPipe = 2;
-
-// Table variants: each pipe has its own file, with a day and a night table.
-uint32_t tableVariant(Uint32 pipeId, bool blackWhite) { return pipeId * 100 + (blackWhite ? 1 : 0); }
 
 // What DRV_dspCalculateFusion gives for a table, a gain state and a switch
 // (the exported calculation is the oracle; this checks the driver's wiring).
@@ -48,54 +46,6 @@ void calculateOwn(const CFG_DspIspCfgParam& table, DRV_gainInterParam gain, Int3
 
 // The switch word of the FSSWITCH message for the standby switch values 0..3.
 constexpr Uint32 kOutputMode[] = {DSP_OUTPUT_VIS, DSP_OUTPUT_FUSE, DSP_OUTPUT_NIR_CAL, DSP_OUTPUT_FUSE_INVALID};
-
-class DriverFusion : public driver_test::DriverTest {
-protected:
-    void SetUp() override { dsp.followAddresses(true); }
-
-    // Each pipe reads its own parameter file (/var/tmp/<pipe>/...).
-    void writeParamFiles() {
-        for (Uint32 pipe : {kColourPipe, kMonoPipe}) {
-            sandbox.writeFile(driver_test::pipeParamFile(pipe),
-                              ParamFileBuilder()
-                                  .addTable(PARAM_MULTICOLOR, driver_test::fusionTable(tableVariant(pipe, false)))
-                                  .addTable(PARAM_BLACKWHITE, driver_test::fusionTable(tableVariant(pipe, true)))
-                                  .build());
-        }
-    }
-    void writeRegistration(int place) {
-        sandbox.writeFile(driver_test::registrationPath(place), driver_test::registrationText({100, 200, 300}));
-    }
-    // Creates, starts and links the pair, and chooses the current tables.
-    void startPair() {
-        if (colour.instance() == nullptr) { ASSERT_EQ(colour.createPipe(), 0); }
-        ASSERT_EQ(mono.createPipe(), 0);
-        ASSERT_EQ(colour.start(), 0);
-        ASSERT_EQ(mono.start(), 0);
-        driver_test::linkPipes(colour, mono);
-        ASSERT_EQ(colour.refresh(nullptr), 0);
-        ASSERT_EQ(mono.refresh(nullptr), 0);
-    }
-    void TearDown() override {
-        if (colour.instance() != nullptr) { EXPECT_EQ(colour.remove(), 0); }
-        if (mono.instance() != nullptr) { EXPECT_EQ(mono.remove(), 0); }
-    }
-    // One fusion call on both pipes at the same zoom, colour first; returns the
-    // IR zoom indexes sent.
-    std::vector<Uint32> runZoomFrame(Int32 zoom) {
-        colour.run().ptzUpdateParam.zoom = zoom;
-        mono.run().ptzUpdateParam.zoom = zoom;
-        dsp.clearCalls();
-        colour.fusion();
-        mono.fusion();
-        std::vector<Uint32> indexes;
-        for (const DspCall& call : dsp.setsOfType(DSP_AEW_CFG_TYPE_IR)) indexes.push_back(call.word(72) & 0xFFFF);
-        return indexes;
-    }
-
-    HostPipe colour{kColourPipe};
-    HostPipe mono{kMonoPipe};
-};
 
 // The refusals and partial failures of one pair, in order: no table chosen
 // yet; the first call of a fresh pair combines with a pipe that has not
