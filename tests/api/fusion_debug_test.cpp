@@ -144,12 +144,17 @@ protected:
     LogCapture log;
 };
 
+// What counting(FUSION_NIR_POINTS) loads as: 256 and above saturate.
+std::vector<Uint8> saturatedCounting() {
+    std::vector<Uint8> want(FUSION_NIR_POINTS);
+    for (int i = 0; i < FUSION_NIR_POINTS; ++i) want[i] = static_cast<Uint8>(std::min(i, 255));
+    return want;
+}
+
 // The curve command writes the curve of both blended records, nothing else,
 // and prints it 13 points to a line.
 TEST_F(NirFile, LoadsTheCurveIntoBothRecordsAndPrintsIt) {
-    std::vector<Uint8> want(FUSION_NIR_POINTS);
-    for (int i = 0; i < FUSION_NIR_POINTS; ++i) want[i] = static_cast<Uint8>(std::min(i, 255));
-    expectLoad(curveFile(counting(FUSION_NIR_POINTS)), 0, want);  // 256 and above saturate
+    expectLoad(curveFile(counting(FUSION_NIR_POINTS)), 0, saturatedCounting());
     const auto texts = log.texts();
     ASSERT_EQ(texts.size(), 41u);
     EXPECT_EQ(texts[0], "[DSP_DRV] DRV_dspdbgFusionNir w_nir:\n");
@@ -157,6 +162,14 @@ TEST_F(NirFile, LoadsTheCurveIntoBothRecordsAndPrintsIt) {
     EXPECT_EQ(texts[20], "[DSP_DRV]  247  248  249  250  251  252  253  254  255  255  255  255  255  \n");
     EXPECT_EQ(texts[40], "[DSP_DRV]  255  255  255  255  \n");
     EXPECT_EQ(log.count(LogKind::Info), 41u);
+}
+
+// A line may hold more numbers than its share: the pattern, not the line, says how many are read.
+TEST_F(NirFile, NumbersPastALinesShareAreNotRead) {
+    std::vector<std::string> points = counting(FUSION_NIR_POINTS);
+    points[12] += ",7";   // a 14th number on the first line
+    points[510] += ",7";  // a 5th on the last
+    expectLoad(curveFile(points), 0, saturatedCounting());
 }
 
 TEST_F(NirFile, ValuesSaturateCapAt255AndKeepTheirLowByteInLinesUpTo255Characters) {
