@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 #include <span>
 
 #include "dsp/dsp_stage_table.h"
@@ -128,12 +129,7 @@ constexpr int debugIdOf(const TableStage& stage, const NamedField& f) {
 
 // True when two field paths lie in the same nested part ("plateLaeParam.a", "plateLaeParam.b"),
 // or both directly in the record.
-constexpr bool isNested(const char* path) {
-    for (; *path != '\0'; ++path) {
-        if (*path == '.') return true;
-    }
-    return false;
-}
+constexpr bool isNested(const char* path) { return std::string_view(path).find('.') != std::string_view::npos; }
 constexpr bool sameGroup(const char* a, const char* b) {
     if (!isNested(a) && !isNested(b)) return true;
     std::size_t i = 0;
