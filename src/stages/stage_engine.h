@@ -34,10 +34,9 @@ Int32 print(const StageRules& rules, CallSite site, const void* record, const ch
 // in namespace `rules` (its xxx_rules.h). The parameter names are the ones the error lines
 // report.
 #define ISPDSP_DEFINE_STAGE(Name, Ver, calcParam, cfgParam, rules)                                                  \
-    static_assert(std::is_same_v<rules::In, DSP_##Name##CalculateParam> &&                                         \
-                      std::is_same_v<rules::Payload, DSP_##Name##Ver> &&                                           \
-                      std::is_same_v<rules::Record, CFG_DSP_##Name##Ver>,                                          \
-                  "the tables of " #Name " describe other types");                                                \
+    static_assert(std::is_same_v<rules::In, DSP_##Name##CalculateParam>, #Name ": the tables describe another input"); \
+    static_assert(std::is_same_v<rules::Payload, DSP_##Name##Ver>, #Name ": the tables describe another payload");  \
+    static_assert(std::is_same_v<rules::Record, CFG_DSP_##Name##Ver>, #Name ": the tables describe another record"); \
     Int32 DRV_dspCalculate##Name(DSP_##Name##CalculateParam* calcParam, DSP_##Name##Ver* param) {                 \
         return ::ispdsp::stages::calculate(rules::kRules, {__func__, __LINE__}, calcParam, #calcParam, param);     \
     }                                                                                                             \

@@ -157,7 +157,7 @@ struct StageRules {
 
 consteval bool fits(Field field, std::size_t size) { return field.offset + field.width <= size; }
 
-consteval bool writtenByCalc(Field field, std::span<const CalcStep> calc) {
+constexpr bool writtenByCalc(Field field, std::span<const CalcStep> calc) {
     for (const CalcStep& step : calc) {
         if (step.to.offset == field.offset && step.to.width == field.width) return true;
     }

@@ -4,6 +4,7 @@
 // sender, decoder and range marks and the tuner's reference walk it.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <span>
@@ -139,28 +140,31 @@ constexpr bool sameGroup(const char* a, const char* b) {
 
 // The stored fields, in record order, leave no gap that a field could fill: every gap is
 // alignment padding (smaller than the next field's width, or at the end than the widest
-// field), and the records tile the table the same way. A record member that the description
-// leaves out shows here, before a codec would silently drop it.
-consteval bool storedFieldsCoverTheirRecords() {
-    std::size_t tableAt = offsetof(CFG_DspIspCfgParam, ispLsmParam);
-    for (const TableStage& stage : kTableStages) {
-        if (stage.tableOffset < tableAt || stage.tableOffset - tableAt >= 4) return false;
+// field), and the records tile the table [tableStart, tableEnd) the same way. A record
+// member that the description leaves out shows here, before a codec would silently drop it.
+constexpr bool storedFieldsCoverTheirRecords(std::span<const TableStage> stages, std::size_t tableStart,
+                                             std::size_t tableEnd) {
+    constexpr std::size_t kRecordAlignment = 4;
+    std::size_t tableAt = tableStart;
+    for (const TableStage& stage : stages) {
+        if (stage.tableOffset < tableAt || stage.tableOffset - tableAt >= kRecordAlignment) return false;
         std::size_t at = 0, widest = 1;
         const char* previous = "";
         for (const NamedField& f : stage.storedFields) {
             // A nested part (LAE's plate and window) may end in padding of the part's alignment.
-            const std::size_t alignment = sameGroup(previous, f.name) ? f.width : (f.width > widest ? f.width : widest);
+            const std::size_t alignment = sameGroup(previous, f.name) ? f.width : std::max<std::size_t>(f.width, widest);
             if (f.offset < at || f.offset - at >= alignment) return false;
             at = f.offset + f.width;
-            widest = f.width > widest ? f.width : widest;
+            widest = std::max<std::size_t>(f.width, widest);
             previous = f.name;
         }
         if (stage.recordBytes - at >= widest) return false;
         tableAt = stage.tableOffset + stage.recordBytes;
     }
-    return sizeof(CFG_DspIspCfgParam) - tableAt < 4;
+    return tableEnd - tableAt < kRecordAlignment;
 }
-static_assert(storedFieldsCoverTheirRecords());
+static_assert(storedFieldsCoverTheirRecords(kTableStages, offsetof(CFG_DspIspCfgParam, ispLsmParam),
+                                            sizeof(CFG_DspIspCfgParam)));
 
 consteval bool storedFieldsFitTheirRecords() {
     for (const TableStage& stage : kTableStages) {

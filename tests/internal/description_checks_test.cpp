@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <limits>
+#include <span>
+#include <vector>
 
 #include "dsp/dsp_stage_table.h"
 #include "tuning/stage_list.h"
@@ -65,6 +67,73 @@ TEST(FieldGroupCheck, TwoPathsShareAGroupOnlyWhenBothAreDirectOrInTheSamePart) {
         {"plate", "plate.a", false},  {"", "", true},                {"", "plate.a", false},
     };
     for (const Case& c : cases) EXPECT_EQ(sameGroup(c.a, c.b), c.same) << c.a << " / " << c.b;
+}
+
+// Two records of a made-up table: the first 8 bytes (a 4-byte, two 1-byte
+// fields and 2 bytes of padding), the second 4 bytes at offset 8 of a 12-byte table.
+TEST(RecordCoverCheck, OnlyAlignmentPaddingMayBeLeftOut) {
+    using ispdsp::tuning::NamedField;
+    using ispdsp::tuning::TableStage;
+    using ispdsp::tuning::storedFieldsCoverTheirRecords;
+    struct Case {
+        const char* what;
+        std::vector<NamedField> first;
+        std::size_t firstBytes;
+        std::size_t secondAt;
+        std::size_t tableEnd;
+        bool covered;
+    };
+    const auto f = [](const char* name, Uint16 offset, Uint8 width) { return NamedField{name, offset, width, false, "", ""}; };
+    const std::vector<NamedField> shipped = {f("a", 0, 4), f("b", 4, 1), f("c", 5, 1)};
+    const Case cases[] = {
+        {"as shipped", shipped, 8, 8, 12, true},
+        {"table tail of 3 bytes", shipped, 8, 8, 15, true},
+        {"table tail of 4 bytes", shipped, 8, 8, 16, false},
+        {"gap of 3 before the next record", shipped, 8, 11, 15, true},
+        {"gap of 4 before the next record", shipped, 8, 12, 16, false},
+        {"records overlapping", shipped, 8, 7, 11, false},
+        {"record end padding of 3", shipped, 9, 9, 13, true},
+        {"record end padding of 4", shipped, 10, 10, 14, false},
+        {"a byte record with a padding byte", {f("b", 0, 1)}, 2, 2, 6, false},
+        {"byte gap before a byte", {f("a", 0, 4), f("b", 4, 1), f("c", 6, 1)}, 8, 8, 12, false},
+        {"3-byte gap before a word", {f("b", 0, 1), f("a", 4, 4)}, 8, 8, 12, true},
+        {"4-byte gap before a word", {f("b", 0, 1), f("a", 5, 4)}, 12, 12, 16, false},
+        {"fields overlapping", {f("a", 0, 4), f("b", 3, 1)}, 4, 4, 8, false},
+        // A nested part ends in padding to its own widest field.
+        {"a part padded to its word", {f("p.a", 0, 4), f("p.b", 4, 1), f("c", 8, 1)}, 12, 12, 16, true},
+        {"a byte gap inside a part", {f("p.a", 0, 2), f("p.b", 3, 1)}, 4, 4, 8, false},
+        {"a part padded past its word", {f("p.a", 0, 4), f("p.b", 4, 1), f("c", 9, 1)}, 12, 12, 16, false},
+    };
+    const auto stageAt = [](std::size_t offset, std::size_t bytes, std::span<const NamedField> fields) {
+        TableStage stage{};
+        stage.tableOffset = static_cast<Uint16>(offset);
+        stage.recordBytes = static_cast<Uint16>(bytes);
+        stage.storedFields = fields;
+        return stage;
+    };
+    const std::vector<NamedField> second = {f("d", 0, 2), f("e", 2, 2)};
+    for (const Case& c : cases) {
+        const TableStage stages[] = {stageAt(0, c.firstBytes, c.first), stageAt(c.secondAt, 4, second)};
+        EXPECT_EQ(storedFieldsCoverTheirRecords(stages, 0, c.tableEnd), c.covered) << c.what;
+    }
+    const TableStage late[] = {stageAt(4, 8, shipped)};
+    EXPECT_TRUE(storedFieldsCoverTheirRecords(late, 1, 12)) << "the first record 3 bytes after the table start";
+    EXPECT_FALSE(storedFieldsCoverTheirRecords(late, 0, 12)) << "the first record 4 bytes after the table start";
+    EXPECT_FALSE(storedFieldsCoverTheirRecords(late, 5, 13)) << "the first record before the table start";
+}
+
+// A log line may only show payload fields that a calculation step writes, whole.
+TEST(SetLineCheck, AFieldIsWrittenOnlyByAStepToTheSameOffsetAndWidth) {
+    using ispdsp::stages::CalcStep;
+    using ispdsp::stages::Field;
+    using ispdsp::stages::writtenByCalc;
+    const CalcStep calc[] = {{{4, 2}, {0, 2}, ispdsp::stages::Rule::Copy, 0, 0},
+                             {{8, 1}, {2, 1}, ispdsp::stages::Rule::Copy, 0, 0}};
+    EXPECT_TRUE(writtenByCalc({4, 2}, calc));
+    EXPECT_TRUE(writtenByCalc({8, 1}, calc));
+    EXPECT_FALSE(writtenByCalc({4, 1}, calc)) << "same offset, other width";
+    EXPECT_FALSE(writtenByCalc({6, 2}, calc)) << "same width, other offset";
+    EXPECT_FALSE(writtenByCalc({0, 2}, calc)) << "an input offset";
 }
 
 template <typename T>
