@@ -19,7 +19,7 @@ constexpr Uint32 kFileOverhead = ISPDSP_PARAM_FILE_OVERHEAD;  // header fields +
 // True when exactly `size` bytes arrived.
 bool readExact(OSA_FileHandle file, void* dst, Uint32 size) {
     const Int32 got = OSA_fileRead(file, dst, size);
-    return got >= 0 && static_cast<Uint32>(got) == size;
+    return Int64{got} == Int64{size};  // a negative status never equals a size
 }
 
 // Text fields need not be NUL-terminated: log up to the first NUL or the end of the field.

@@ -106,7 +106,7 @@ Int32 DRV_ispSetDbgDspParam(DRV_ispOpsParams* ispOps, DRV_ispCmdParam* cmd_param
         if (entry.id == kCmdRunParam) {
             // The value is required but not used; nothing changes, so no flag.
             if (printRunParams(ispOps, handle, curParam) != 0) ISP_LOG_WARN("[dsp]DRV_dspdbgFusionPrint failed\n");
-        } else if (entry.id >= kCmdFusionFirst && entry.id <= kCmdFusionNir) {
+        } else {  // every other command of the table is a fusion setter (ids 46 to 72)
             if (applySetter(ispOps, curParam, entry.id, readDecimal(valueText)) == 0)
                 DRV_ispControlModuleFlag(ispOps, ISP_SET_FUSION, 1);
             else

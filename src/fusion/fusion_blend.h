@@ -5,6 +5,7 @@
 // thread's rounding mode and flush-to-zero settings cannot change the result.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 
 #include "ispdsp/types.h"
@@ -15,9 +16,7 @@ namespace ispdsp::fusion {
 // range saturate. Written as selects so that a curve loop stays vectorisable.
 inline Int32 truncSaturated(double t) {
     t = (t == t) ? t : 0.0;
-    t = (t < 2147483647.0) ? t : 2147483647.0;
-    t = (t > -2147483648.0) ? t : -2147483648.0;
-    return static_cast<Int32>(t);
+    return static_cast<Int32>(std::max(std::min(t, 2147483647.0), -2147483648.0));
 }
 
 // The blended value before rounding to an integer. s and e are the field's

@@ -10,7 +10,9 @@
 namespace ispdsp::fusion {
 
 inline constexpr Int32 kCurveBlock = 32;
-static_assert(FUSION_NIR_POINTS >= kCurveBlock);
+// The blocks that tile the curve from its start; one more, overlapping, ends it.
+inline constexpr Int32 kWholeCurveBlocks = FUSION_NIR_POINTS / kCurveBlock;
+static_assert(kWholeCurveBlocks >= 1);
 
 inline bool curvesOverlap(const void* a, const void* b) {
     const std::uintptr_t pa = reinterpret_cast<std::uintptr_t>(a);
@@ -24,9 +26,8 @@ inline bool curvesOverlap(const void* a, const void* b) {
 // buffer (check curvesOverlap first).
 template <class BlockFn>
 inline void forEachCurveBlock(BlockFn&& block) {
-    Int32 first = 0;
-    for (; first + kCurveBlock <= FUSION_NIR_POINTS; first += kCurveBlock) block(first);
-    if (first < FUSION_NIR_POINTS) block(FUSION_NIR_POINTS - kCurveBlock);
+    for (Int32 b = 0; b < kWholeCurveBlocks; ++b) block(b * kCurveBlock);
+    block(FUSION_NIR_POINTS - kCurveBlock);
 }
 
 }  // namespace ispdsp::fusion

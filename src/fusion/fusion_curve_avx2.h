@@ -15,15 +15,13 @@
 #include "fusion/fusion_curve.h"
 
 static_assert(ispdsp::fusion::kCurveBlock == 32, "the kernel blends 32 points at a time");
-static_assert(FUSION_NIR_POINTS % 32 != 0, "the last block overlaps its predecessor");
 
 namespace ispdsp::fusion {
 
 // True when the processor runs the kernel below (read from the CPU model that
 // the compiler's runtime fills in when the library is loaded).
-inline bool cpuHasAvx2Fma() {
-    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
-}
+// The level that the fusion clones are built for, which includes AVX2 and FMA.
+inline bool cpuHasAvx2Fma() { return __builtin_cpu_supports("x86-64-v3"); }
 
 // Twice the rounded-down-or-up blend of 8 points, before halving: trunc(2v).
 __attribute__((target("avx2,fma"), always_inline)) inline __m256i blendTwiceAvx2(const Uint8* s, const Uint8* e,
@@ -54,12 +52,11 @@ __attribute__((target("avx2,fma"))) inline void blendCurveInRangeAvx2(const Uint
                                                                       Uint8* out) {
     // forEachCurveBlock's walk, written out: a lambda would not carry the target.
     const __m256 coefficient = _mm256_set1_ps(c);
-    Int32 first = 0;
-    for (; first + kCurveBlock <= FUSION_NIR_POINTS; first += kCurveBlock) {
-        blendBlockInRangeAvx2(s + first, e + first, coefficient, out + first);
+    for (Int32 b = 0; b < kWholeCurveBlocks; ++b) {
+        blendBlockInRangeAvx2(s + b * kCurveBlock, e + b * kCurveBlock, coefficient, out + b * kCurveBlock);
     }
-    first = FUSION_NIR_POINTS - kCurveBlock;
-    blendBlockInRangeAvx2(s + first, e + first, coefficient, out + first);
+    constexpr Int32 last = FUSION_NIR_POINTS - kCurveBlock;
+    blendBlockInRangeAvx2(s + last, e + last, coefficient, out + last);
 }
 
 }  // namespace ispdsp::fusion

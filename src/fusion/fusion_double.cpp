@@ -1,5 +1,6 @@
 // DRV_dspDoubleCalculateFusion: combines the colour pipe's and the mono pipe's
 // calculated fusion records field by field into the record the DSP receives.
+#include <algorithm>
 #include <utility>
 
 #include "common/log.h"
@@ -32,7 +33,7 @@ inline void combineScalars(const Uint8* colour, const Uint8* mono, Uint8* out, s
 
 // |c - m| per byte as max - min, which vectorises to byte min/max/sub.
 inline Uint8 absDiff(Uint8 a, Uint8 b) {
-    return static_cast<Uint8>((a > b ? a : b) - (a < b ? a : b));
+    return static_cast<Uint8>(std::max(a, b) - std::min(a, b));
 }
 
 inline void combineBlock(const Uint8* __restrict colour, const Uint8* __restrict mono, Uint8* __restrict out) {

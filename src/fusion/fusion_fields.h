@@ -5,6 +5,7 @@
 // block FUSION_PARAM_V2_7_22 share these offsets, so one table serves both.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <type_traits>
@@ -146,9 +147,7 @@ inline void storeField(const ScalarField& f, Uint8* record, Int32 value) {
 }
 
 inline constexpr Int32 clampToRange(const ScalarField& f, Int32 value) {
-    if (value > f.hi) value = f.hi;  // upper bound first, then lower
-    if (value < f.lo) value = f.lo;
-    return value;
+    return std::max(std::min(value, f.hi), f.lo);  // upper bound first, then lower
 }
 
 // Both interpolation indexes must select one of the sixteen stored records.

@@ -51,7 +51,7 @@ Int32 parseNirLine(const Char* line, Int32* out, Int32 count) {
 // Reads one line of the curve file and parses up to `count` points into `out`.
 // Returns the number of points parsed, or -1 when OSA_fgets delivered no line.
 static Int32 readNirLine(OSA_FileHandle file, Int32* out, Int32 count) {
-    Char readBuf[512] = {};
+    Char readBuf[kNirReadSize] = {};
     if (OSA_fgets(readBuf, kNirReadSize, file) != 0) {
         return -1;
     }
@@ -121,7 +121,7 @@ static Uint32 DRV_dspPrintNir(Uint32 from, Uint32 to, const Uint8* inData, Uint3
     size_t len = 0;
     Uint32 appended = 0;
     for (Uint32 i = from; i < end; ++i) {
-        Char piece[40];
+        Char piece[sizeof "-2147483648 "];  // "%4d " of any int
         const Int32 n = std::snprintf(piece, sizeof piece, "%4d ", inData[i]);
         const size_t pieceLen = n > 0 ? static_cast<size_t>(n) : 0;
         if (len + pieceLen >= sizeof line) {
@@ -146,9 +146,6 @@ Int32 DRV_dspdbgFusionNir(CFG_DSP_FusionV2722* cfgFusionParam, DRV_gainInterPara
     ISP_CHECK_PTR(cfgFusionParam, "cfgFusionParam");
     ISP_CHECK_PTR(gainInterParam, "gainInterParam");
 
-    Char nir_file_path[512] = {};
-    std::memcpy(nir_file_path, kNirFilePath, sizeof kNirFilePath);
-
     Int32* buffer = static_cast<Int32*>(OSA_memUAllocAlign(kNirBufferBytes, 0));
     if (buffer == nullptr) {
         ISP_LOG_WARN("buffer malloc failed\n");
@@ -165,7 +162,7 @@ Int32 DRV_dspdbgFusionNir(CFG_DSP_FusionV2722* cfgFusionParam, DRV_gainInterPara
         OSA_memUFree(buffer);
         return -1;
     }
-    if (DRV_ispGetNirCfg(nir_file_path, buffer) != 0) {
+    if (DRV_ispGetNirCfg(kNirFilePath, buffer) != 0) {
         OSA_memUFree(buffer);
         return -1;
     }

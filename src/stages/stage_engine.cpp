@@ -65,7 +65,8 @@ void logNull(CallSite site, const char* name) {
 void logLine(const LogLine& line, const Uint8* base) {
     static_assert(kMaxLineValues == 8, "the call below passes eight values");
     Int32 v[kMaxLineValues] = {};
-    for (std::size_t i = 0; i < line.count; ++i) v[i] = static_cast<Int32>(load(base, line.values[i]));
+    std::transform(line.values.begin(), line.values.begin() + line.count, v,
+                   [base](Field f) { return static_cast<Int32>(load(base, f)); });
     OSA_logWrite(kLogInfoLevel, kLogInfoCategory, line.format, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7]);
 }
 

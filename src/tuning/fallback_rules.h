@@ -5,7 +5,9 @@
 // first 120 entries of a list are ever scanned, whatever its size fields say.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "ispdsp/param_table.h"
 
@@ -44,11 +46,12 @@ constexpr std::array<DRV_SuitableParam, kFallbackRules> buildFallbackRules() {
 
     // Rule 1: a missing PARAM_WDR_TRAFFIC falls to PARAM_WDR_MULTICOLOR, then PARAM_MULTICOLOR.
     DRV_SuitableParam& r1 = rules[1];
-    r1.srcArraySize = 1;
-    r1.srcArray[0] = PARAM_WDR_TRAFFIC;
-    r1.dstArraySize = 2;
-    r1.dstArray[0] = PARAM_WDR_MULTICOLOR;
-    r1.dstArray[1] = PARAM_MULTICOLOR;
+    constexpr Int32 kRule1Src[] = {PARAM_WDR_TRAFFIC};
+    constexpr Int32 kRule1Dst[] = {PARAM_WDR_MULTICOLOR, PARAM_MULTICOLOR};
+    r1.srcArraySize = std::size(kRule1Src);
+    std::copy(std::begin(kRule1Src), std::end(kRule1Src), r1.srcArray);
+    r1.dstArraySize = std::size(kRule1Dst);
+    std::copy(std::begin(kRule1Dst), std::end(kRule1Dst), r1.dstArray);
     return rules;
 }
 
