@@ -74,4 +74,35 @@ TEST(LessSuitableType, FailureNamesTheSourceFileFunctionAndTheSameLineTwice) {
     EXPECT_EQ(index, -7);
 }
 
+// Rule 0 lists every type but 7, 9 and 11 once, in its 117 first entries; each
+// stands against itself except the IVS types, which fall to a base scene. The
+// rest of the 120 entries stay 0. Rule 1 falls from WDR traffic to WDR, then day.
+TEST(FallbackRules, RuleZeroListsEveryTypeOnceAndRuleOneTwoReplacements) {
+    const auto& rules = kFallbackRuleTable;
+    const DRV_SuitableParam& r0 = rules[0];
+    std::array<int, PARAM_TABLE_TYPE_NUM> seen{};
+    constexpr int kListed = PARAM_TABLE_TYPE_NUM - 3;
+    for (int k = 0; k < kListed; ++k) {
+        const Int32 type = r0.srcArray[k];
+        ASSERT_TRUE(type >= 0 && type < PARAM_TABLE_TYPE_NUM) << k;
+        ++seen[type];
+        const bool ivs = type >= PARAM_IVS && type <= PARAM_WDR_IVS_NIGHT;
+        if (ivs) {
+            EXPECT_LE(r0.dstArray[k], PARAM_WDR_MULTICOLOR) << type;
+        } else {
+            EXPECT_EQ(r0.dstArray[k], type);
+        }
+    }
+    for (int type = 0; type < PARAM_TABLE_TYPE_NUM; ++type)
+        EXPECT_EQ(seen[type], type == 7 || type == 9 || type == 11 ? 0 : 1) << type;
+    for (int k = kListed; k < PARAM_TABLE_TYPE_NUM; ++k) EXPECT_EQ(r0.srcArray[k] | r0.dstArray[k], 0) << k;
+
+    const DRV_SuitableParam& r1 = rules[1];
+    EXPECT_EQ(r1.srcArraySize, 1);
+    EXPECT_EQ(r1.srcArray[0], PARAM_WDR_TRAFFIC);
+    EXPECT_EQ(r1.dstArraySize, 2);
+    EXPECT_EQ(r1.dstArray[0], PARAM_WDR_MULTICOLOR);
+    EXPECT_EQ(r1.dstArray[1], PARAM_MULTICOLOR);
+}
+
 }  // namespace

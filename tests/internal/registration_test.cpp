@@ -154,6 +154,19 @@ TEST_F(Registration, FailedStepsOfAPlaceReturnMinusOne) {
                   -1);
     }
     EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetPropertyCfg", "param is null!\n"), 5u);
+
+    // The header and block readers return -1 themselves: the file ends before a "REGNUM:"
+    // line, and the pair array cannot be had after the zoom array was.
+    sandbox.writeFile(kPlaces[1], "ZOOMNUM:1\nZOOM:7\n");
+    OSA_FileHandle file = nullptr;
+    ASSERT_EQ(OSA_fileOpen(kPlaces[1], OSA_FILE_MODE_READ, &file), 0);
+    std::vector<Char> text(ispdsp::kRegistrateLineSize);
+    EXPECT_EQ(DRV_ispGetPropertyCfg(text.data(), file, &zoomNum, &regNum), -1);
+    ispdsp_host_fail_alloc_after(2);
+    EXPECT_EQ(DRV_ispGetRegCfg(text.data(), file, 1, 1, &drvRegistrateParam), -1);
+    ispdsp_host_fail_alloc_after(0);
+    OSA_fileClose(file);
+    EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispGetRegCfg", "registerParam malloc failed!\n"), 1u);
 }
 
 TEST_F(Registration, MalformedHeaderFailsThePlaceAndTheNextIsTried) {
