@@ -66,7 +66,7 @@ Int32 DRV_ispPrintDbgMenu(const CMD_DrvIspTable* cmd, Int32 langue) {
     ISP_LOG_INFO("Usage: aewDebug [cmd1][cmd2]=[cmd3]:[cmd4] ... \r\n");
     for (; cmd->name != nullptr; ++cmd) {
         Char name[32];
-        std::snprintf(name, 31, "%s", cmd->name);  // at most 30 characters of a name
+        std::snprintf(name, sizeof name - 1, "%s", cmd->name);  // at most 30 characters of a name
         const char* text = (langue == kConsoleLangChinese && cmd->long_name != nullptr) ? cmd->long_name : cmd->descrip;
         ISP_LOG_INFO("\n%-10s%-2c%s\r\n", name, ':', text != nullptr ? text : "");
     }

@@ -19,9 +19,9 @@ inline constexpr Int32 kFallbackScanLimit = PARAM_TABLE_TYPE_NUM;  // every rule
 // Rule 0 lists 129 entries in its size fields; only the 120 stored ones are ever scanned.
 inline constexpr Int32 kRule0DeclaredSize = 129;
 // Head of rule 0: the base types in preference order (7, 9 and 11 are not listed).
-inline constexpr std::array<Int32, 9> kRule0BaseHead = {0, 1, 2, 3, 4, 6, 10, 8, 5};
+inline constexpr auto kRule0BaseHead = std::to_array<Int32>({0, 1, 2, 3, 4, 6, 10, 8, 5});
 // Replacements of the IVS types 66 to 74: their base-scene partners.
-inline constexpr std::array<Int32, 9> kIvsPartners = {0, 1, 2, 1, 4, 1, 0, 2, 4};
+inline constexpr auto kIvsPartners = std::to_array<Int32>({0, 1, 2, 1, 4, 1, 0, 2, 4});
 
 constexpr std::array<DRV_SuitableParam, kFallbackRules> buildFallbackRules() {
     std::array<DRV_SuitableParam, kFallbackRules> rules{};
