@@ -101,7 +101,7 @@ void blendRecords(const CFG_DSP_FusionV2722* start, const CFG_DSP_FusionV2722* e
     const auto* startBytes = reinterpret_cast<const Uint8*>(start);
     const auto* endBytes = reinterpret_cast<const Uint8*>(end);
     auto* outBytes = reinterpret_cast<Uint8*>(out);
-    const bool inRange = c >= 0.0f && c <= 1.0f;  // every frame: the host keeps the coefficient in 0..1
+    const bool inRange = c == std::clamp(c, 0.0f, 1.0f);  // every frame: the host keeps it in 0..1; never NaN
     if (inRange) {
         blendScalarsInRange(startBytes, endBytes, c, outBytes);
     } else {

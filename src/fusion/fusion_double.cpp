@@ -1,6 +1,7 @@
 // DRV_dspDoubleCalculateFusion: combines the colour pipe's and the mono pipe's
 // calculated fusion records field by field into the record the DSP receives.
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "common/log.h"
@@ -16,7 +17,7 @@ template <Int32 I>
 inline void combineScalar(const Uint8* colour, const Uint8* mono, Uint8* out) {
     const Int32 diff = loadField<I>(colour) - loadField<I>(mono);
     if constexpr (kScalarFields[I].combine == Combine::AbsDiff) {
-        storeField<I>(out, diff < 0 ? -diff : diff);
+        storeField<I>(out, std::abs(diff));
     } else {
         storeField<I>(out, diff);
     }

@@ -40,7 +40,7 @@ Int32 parseNirLine(const Char* line, Int32* out, Int32 count) {
         Char* end = nullptr;
         const long v = std::strtol(p, &end, 10);
         if (end == p) return k;
-        out[k] = v > INT32_MAX ? INT32_MAX : (v < INT32_MIN ? INT32_MIN : static_cast<Int32>(v));
+        out[k] = static_cast<Int32>(std::clamp<long>(v, INT32_MIN, INT32_MAX));
         p = end;
     }
     return count;
@@ -103,41 +103,20 @@ static Int32 DRV_ispGetNirCfg(const Char* path, Int32* buffer) {
     return (complete && linesRead == kNirLines) ? 0 : -1;
 }
 
-// Logs the title, then points [from, to) as "%4d " each, `stride` to a line.
-// Only ever called with from 0 and to == inDataNum == 511. For other arguments:
-// points at or past inDataNum are never read (to is cut to inDataNum), the
-// stride count runs from `from`, a stride of 0 breaks lines only after the last
-// point, and a line is flushed early rather than overflow its buffer.
-static Uint32 DRV_dspPrintNir(Uint32 from, Uint32 to, const Uint8* inData, Uint32 inDataNum, const Char* titleStr,
-                              Uint32 stride) {
-    if (inData == nullptr) {
-        ISP_LOG_NULL("inData");
-        return static_cast<Uint32>(-1);
-    }
-    ISP_LOG_INFO("%s:\n", titleStr != nullptr ? titleStr : "");
-
-    const Uint32 end = std::min(to, inDataNum);
-    Char line[256] = {};
-    size_t len = 0;
-    Uint32 appended = 0;
-    for (Uint32 i = from; i < end; ++i) {
-        Char piece[sizeof "-2147483648 "];  // "%4d " of any int
-        const Int32 n = std::snprintf(piece, sizeof piece, "%4d ", inData[i]);
-        const size_t pieceLen = n > 0 ? static_cast<size_t>(n) : 0;
-        if (len + pieceLen >= sizeof line) {
-            ISP_LOG_INFO("%s \n", line);
-            len = 0;
+// Logs the title, then the curve's points as "%4d " each, kNirPrintStride to a
+// line: the file's 40 lines again, the last one short.
+static void DRV_dspPrintNir(const Uint8* curve, const Char* title) {
+    ISP_LOG_INFO("%s:\n", title);
+    for (Int32 row = 0; row < kNirLines; ++row) {
+        Char line[kNirPrintStride * sizeof "  255 "] = {};  // "%4d " of a byte is 5 characters
+        size_t len = 0;
+        const Int32 first = row * kNirPrintStride;
+        const Int32 last = std::min(first + kNirPrintStride, FUSION_NIR_POINTS);
+        for (Int32 i = first; i < last; ++i) {
+            len += static_cast<size_t>(std::snprintf(line + len, sizeof line - len, "%4d ", curve[i]));
         }
-        std::memcpy(line + len, piece, pieceLen + 1);
-        len += pieceLen;
-        ++appended;
-        if ((stride != 0 && appended % stride == 0) || i + 1 == end) {
-            ISP_LOG_INFO("%s \n", line);
-            len = 0;
-            line[0] = '\0';
-        }
+        ISP_LOG_INFO("%s \n", line);
     }
-    return 0;
 }
 
 Int32 DRV_dspdbgFusionNir(CFG_DSP_FusionV2722* cfgFusionParam, DRV_gainInterParam* gainInterParam, Int32 pcmd_id,
@@ -170,11 +149,11 @@ Int32 DRV_dspdbgFusionNir(CFG_DSP_FusionV2722* cfgFusionParam, DRV_gainInterPara
     Uint8* start = cfgFusionParam[gainInterParam->gainStartIndex].w_nir;
     Uint8* end = cfgFusionParam[gainInterParam->gainEndIndex].w_nir;
     for (Int32 i = 0; i < FUSION_NIR_POINTS; ++i) {
-        const Int32 v = buffer[i] > 255 ? 255 : buffer[i];
+        const Int32 v = std::min(buffer[i], 255);
         start[i] = static_cast<Uint8>(v);  // low 8 bits: -1 becomes 255
         end[i] = static_cast<Uint8>(v);
     }
-    DRV_dspPrintNir(0, FUSION_NIR_POINTS, start, FUSION_NIR_POINTS, "DRV_dspdbgFusionNir w_nir", kNirPrintStride);
+    DRV_dspPrintNir(start, "DRV_dspdbgFusionNir w_nir");
 
     OSA_memUFree(buffer);
     return 0;
