@@ -7,6 +7,7 @@
 // piece counts as a line.
 #include "driver/registration.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
@@ -58,8 +59,7 @@ Int32 parseDecimal(const Char* p, const Char* end) {
     const Int64 limit = negative ? -Int64{INT32_MIN} : Int64{INT32_MAX};
     Int64 magnitude = 0;
     for (; p < end && *p >= '0' && *p <= '9'; ++p) {
-        magnitude = magnitude * 10 + (*p - '0');
-        if (magnitude > limit) magnitude = limit;  // stays small: no overflow while scanning
+        magnitude = std::min(magnitude * 10 + (*p - '0'), limit);  // stays small: no overflow while scanning
     }
     return static_cast<Int32>(negative ? -magnitude : magnitude);
 }
@@ -78,8 +78,7 @@ Uint32 parseHex(const Char* p, const Char* end) {
     if (end - p >= 3 && p[0] == '0' && (p[1] == 'x' || p[1] == 'X') && hexDigit(p[2]) >= 0) p += 2;
     Uint64 magnitude = 0;
     for (; p < end && hexDigit(*p) >= 0; ++p) {
-        magnitude = magnitude * 16 + static_cast<Uint64>(hexDigit(*p));
-        if (magnitude > UINT32_MAX) magnitude = UINT32_MAX;
+        magnitude = std::min<Uint64>(magnitude * 16 + static_cast<Uint64>(hexDigit(*p)), UINT32_MAX);
     }
     const Uint32 value = static_cast<Uint32>(magnitude);
     return negative ? 0u - value : value;
