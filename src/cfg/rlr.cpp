@@ -97,7 +97,7 @@ ISPDSP_API Int32 CFG_aewGetRlrCfgInfo(const char* cfg_file_path, CFG_RlrTableInf
     }
     Uint8 identity[kRlrInfoBytes] = {};
     const Int32 got = OSA_fileRead(hFile, identity, kRlrInfoBytes);
-    if (got < 0 || static_cast<Uint32>(got) < kRlrInfoBytes) {
+    if (Int64{got} < Int64{kRlrInfoBytes}) {  // a failed read is negative
         RLR_LOG_WARN_PLAIN("read %s RLR table info failed\n", cfg_file_path);
         OSA_fileClose(hFile);
         return -1;
@@ -154,7 +154,7 @@ ISPDSP_API Int32 CFG_aewReadRlrCfg(const char* cfg_file_path, CFG_RlrTableParam*
     }
     // Bytes read before a short read stay in the caller's buffer.
     const Int32 got = OSA_fileRead(hFile, cfg_rlrtableparam, kRlrTableBytes);
-    if (got < 0 || static_cast<Uint32>(got) < kRlrTableBytes) {
+    if (Int64{got} < Int64{kRlrTableBytes}) {  // a failed read is negative
         RLR_LOG_WARN_PLAIN("read %s RLR table info failed\n", cfg_file_path);
         OSA_fileClose(hFile);
         return -1;
@@ -177,7 +177,7 @@ ISPDSP_API Int32 CFG_aewWriteRlrCfg(const char* cfg_file_path, CFG_RlrTableParam
         return -1;
     }
     const Int32 written = OSA_fileWrite(hFile, cfg_rlrtableparam, kRlrTableBytes);
-    if (written < 0 || static_cast<Uint32>(written) < kRlrTableBytes) {
+    if (Int64{written} < Int64{kRlrTableBytes}) {  // a failed write is negative
         ISP_LOG_ERROR("write rlr cfg failed,size = %d\n", written);
         OSA_fileClose(hFile);
         return -1;

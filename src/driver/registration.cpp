@@ -8,6 +8,7 @@
 #include "driver/registration.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
@@ -38,12 +39,9 @@ static_assert(std::size(kRegistratePlaceDirs) == kRegistratePlaceCount);
 
 bool isSpace(Char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
 
-Int32 hexDigit(Char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
+bool isHexDigit(Char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; }  // not locale-dependent
+// The value of a hexadecimal digit: '0'-'9', then 'a'-'f' in either case.
+Uint32 hexValue(Char c) { return static_cast<Uint32>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10); }
 
 // Reads a decimal integer from [p, end) the way strtol(..., 10) reads it:
 // leading white space, optional sign, digits up to the first other character.
@@ -75,10 +73,10 @@ Uint32 parseHex(const Char* p, const Char* end) {
         negative = *p == '-';
         ++p;
     }
-    if (end - p >= 3 && p[0] == '0' && (p[1] == 'x' || p[1] == 'X') && hexDigit(p[2]) >= 0) p += 2;
+    if (end - p >= 3 && p[0] == '0' && (p[1] == 'x' || p[1] == 'X') && isHexDigit(p[2])) p += 2;
     Uint64 magnitude = 0;
-    for (; p < end && hexDigit(*p) >= 0; ++p) {
-        magnitude = std::min<Uint64>(magnitude * 16 + static_cast<Uint64>(hexDigit(*p)), UINT32_MAX);
+    for (; p < end && isHexDigit(*p); ++p) {
+        magnitude = std::min<Uint64>(magnitude * 16 + hexValue(*p), UINT32_MAX);
     }
     const Uint32 value = static_cast<Uint32>(magnitude);
     return negative ? 0u - value : value;
