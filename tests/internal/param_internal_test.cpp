@@ -74,6 +74,25 @@ TEST(LessSuitableType, FailureNamesTheSourceFileFunctionAndTheSameLineTwice) {
     EXPECT_EQ(index, -7);
 }
 
+// A list is scanned up to its size, and never past 120 entries whatever the size says.
+TEST(TypeMatch, OnlyTheFirstSizeEntriesUpTo120AreScanned) {
+    std::array<Int32, PARAM_TABLE_TYPE_NUM + 1> list{};
+    list.fill(PARAM_TRAFFIC);
+    struct Case {
+        std::size_t at;  // where the wanted type sits
+        Uint32 size;
+        Int32 found;     // its index, or -1 when not found
+    };
+    const Case cases[] = {{0, 1, 0}, {1, 2, 1}, {2, 2, -1}, {119, 129, 119}, {120, 129, -1}, {120, 121, -1}};
+    for (const Case& c : cases) {
+        list.fill(PARAM_TRAFFIC);
+        list[c.at] = PARAM_WDR_TRAFFIC;
+        Int32 index = -7;
+        EXPECT_EQ(isTypeMatch(PARAM_WDR_TRAFFIC, list.data(), c.size, &index), c.found >= 0 ? 1 : 0) << c.at;
+        EXPECT_EQ(index, c.found >= 0 ? c.found : -7) << c.at;
+    }
+}
+
 // Rule 0 lists every type but 7, 9 and 11 once, in its 117 first entries; each
 // stands against itself except the IVS types, which fall to a base scene. The
 // rest of the 120 entries stay 0. Rule 1 falls from WDR traffic to WDR, then day.

@@ -166,6 +166,8 @@ TEST_F(Registration, FailedStepsOfAPlaceReturnMinusOne) {
     EXPECT_EQ(DRV_ispGetRegCfg(text.data(), file, 1, 1, &drvRegistrateParam), -1);
     ispdsp_host_fail_alloc_after(0);
     OSA_fileClose(file);
+    sandbox.writeFile(kPlaces[1], "ZOOMNUM:0\nREGNUM:1\n");
+    EXPECT_EQ(DRV_ispGetRegistrateCfg(kPlaces[1], &drvRegistrateParam), -1) << "counts refused";
     EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispGetRegCfg", "registerParam malloc failed!\n"), 1u);
 }
 
