@@ -99,8 +99,7 @@ Int32 DRV_ispSetDbgDspParam(DRV_ispOpsParams* ispOps, DRV_ispCmdParam* cmd_param
         const char* valueText = argumentAt(cmd_param, i + 1);
         if (valueText == nullptr) {
             ISP_LOG_WARN("%s need parm\r\n", name);
-            i += 1;
-            continue;
+            break;  // a missing value ends the list: nothing follows it
         }
 
         if (entry.id == kCmdRunParam) {

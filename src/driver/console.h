@@ -14,7 +14,6 @@ inline constexpr size_t kConsoleTableEntries = 29;
 // Command ids, which select the action.
 inline constexpr Int32 kCmdRunParam = 0;
 inline constexpr Int32 kCmdFusionFirst = 46;  // id - 46 is DRV_dspdbgFusion's field id
-inline constexpr Int32 kCmdFusionLast = 71;
 inline constexpr Int32 kCmdFusionNir = 72;  // id - 72 is DRV_dspdbgFusionNir's id
 
 // Menu language: 1 prints the Chinese descriptions, anything else the English ones.

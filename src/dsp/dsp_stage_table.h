@@ -130,7 +130,9 @@ constexpr bool dspStageFits(const DspStageDesc& d, std::size_t recordBytes) {
     }
     for (Uint8 i = 0; i < d.moveCount; ++i) {
         const DspFieldMove& m = d.moves[i];
-        if (m.recordOffset + dspMoveSourceBytes(m) > recordBytes || m.messageOffset + m.bytes > sizeof(DSP_AEW_CFG_S)) {
+        // A move of no bytes is a slot the description forgot to fill.
+        if (m.bytes == 0 || m.recordOffset + dspMoveSourceBytes(m) > recordBytes ||
+            m.messageOffset + m.bytes > sizeof(DSP_AEW_CFG_S)) {
             return false;
         }
     }

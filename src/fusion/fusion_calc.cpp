@@ -72,8 +72,8 @@ ISPDSP_FUSION_INLINE void blendLanesInRange(const LaneGroup<Raw, Lanes>& group, 
 
 ISPDSP_FUSION_INLINE void blendScalarsInRange(const Uint8* start, const Uint8* end, float c, Uint8* out) {
     // The 16-bit fields may sit unaligned: copied out as one 16-byte block.
-    Uint16 s[8];
-    Uint16 e[8];
+    Uint16 s[kWideLanes.signBit.size()];
+    Uint16 e[kWideLanes.signBit.size()];
     std::memcpy(s, start + kWideLanes.offset, sizeof s);
     std::memcpy(e, end + kWideLanes.offset, sizeof e);
     const Uint8* s8 = start + kByteLanes.offset;

@@ -14,7 +14,7 @@ namespace ispdsp::fusion {
 
 template <class Raw, Int32 Lanes>
 struct LaneGroup {
-    Int32 offset = -1;  // byte offset of the group's first field
+    Int32 offset{};     // byte offset of the group's first field
     Int32 fields = 0;   // fields in the group, stored from `offset`
     std::array<Int32, Lanes> signBit{};
     std::array<Int32, Lanes> lo{};
@@ -26,7 +26,7 @@ consteval LaneGroup<Raw, Lanes> laneGroup() {
     LaneGroup<Raw, Lanes> group;
     for (const ScalarField& f : kScalarFields) {
         if (f.width != sizeof(Raw)) continue;
-        if (group.offset < 0) group.offset = f.offset;
+        if (group.fields == 0) group.offset = f.offset;
         group.signBit[group.fields] = f.isSigned ? 1 << (8 * sizeof(Raw) - 1) : 0;
         group.lo[group.fields] = f.lo;
         group.hi[group.fields] = f.hi;

@@ -117,10 +117,11 @@ constexpr Range enforcedRange(const TableStage& stage, const NamedField& f) {
     return wholeWidth(f);
 }
 
-// The debug setter id that changes a stored field; -1 when none does. The
-// fusion plate's hand-written setter changes its one field with id 0.
+// The debug setter id that changes a stored field; -1 when none does. A stage
+// without an id table is the fusion plate: its hand-written setter changes its
+// one field with id 0.
 constexpr int debugIdOf(const TableStage& stage, const NamedField& f) {
-    if (stage.ids.empty()) return stage.storedFields.size() == 1 ? 0 : -1;
+    if (stage.ids.empty()) return 0;
     for (std::size_t id = 0; id < stage.ids.size(); ++id) {
         const stages::DebugId& d = stage.ids[id];
         if (d.clamp != stages::Clamp::NoField && d.field.offset == f.offset) return static_cast<int>(id);
@@ -163,6 +164,14 @@ constexpr bool storedFieldsCoverTheirRecords(std::span<const TableStage> stages,
     }
     return tableEnd - tableAt < kRecordAlignment;
 }
+consteval bool onlyOneFieldWithoutIds() {
+    for (const TableStage& stage : kTableStages) {
+        if (stage.ids.empty() && stage.storedFields.size() != 1) return false;
+    }
+    return true;
+}
+static_assert(onlyOneFieldWithoutIds(), "a stage without debug ids has its one field set by hand");
+
 static_assert(storedFieldsCoverTheirRecords(kTableStages, offsetof(CFG_DspIspCfgParam, ispLsmParam),
                                             sizeof(CFG_DspIspCfgParam)));
 

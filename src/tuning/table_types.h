@@ -8,6 +8,7 @@
 #pragma once
 
 #include <array>
+#include <string_view>
 
 #include "ispdsp/param_table.h"
 
@@ -127,10 +128,7 @@ constexpr TypeName tableTypeName(Int32 type) {
     return n;
 }
 
-constexpr bool sameText(const char* a, const char* b) {
-    while (*a != '\0' && *a == *b) ++a, ++b;
-    return *a == *b;
-}
+constexpr bool sameText(const char* a, const char* b) { return std::string_view(a) == b; }
 // The built names follow the enumeration of the public header.
 static_assert(sameText(tableTypeName(PARAM_WDR_BLACKWHITE_NIGHT).text, "PARAM_WDR_BLACKWHITE_NIGHT"));
 static_assert(sameText(tableTypeName(PARAM_HDR_TRAFFIC_BLACKWHITE).text, "PARAM_HDR_TRAFFIC_BLACKWHITE"));
