@@ -6,9 +6,9 @@
 // read 255 characters at a time, so a longer line arrives in pieces, and each
 // piece counts as a line.
 #include "driver/registration.h"
+#include "driver/registration_numbers.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
@@ -36,51 +36,6 @@ constexpr Int32 kRegistratePathSize = 512;
 // The places searched, in order; place number = index + 1.
 constexpr const auto& kRegistratePlaceDirs = ispdsp::tuning::kRegistrationDirs;
 static_assert(std::size(kRegistratePlaceDirs) == kRegistratePlaceCount);
-
-bool isSpace(Char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
-
-bool isHexDigit(Char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; }  // not locale-dependent
-// The value of a hexadecimal digit: '0'-'9', then 'a'-'f' in either case.
-Uint32 hexValue(Char c) { return static_cast<Uint32>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10); }
-
-// Reads a decimal integer from [p, end) the way strtol(..., 10) reads it:
-// leading white space, optional sign, digits up to the first other character.
-// No digits reads as 0. Out-of-range values saturate to the Int32 range
-// (strtol would give a long that no Int32 can hold).
-Int32 parseDecimal(const Char* p, const Char* end) {
-    while (p < end && isSpace(*p)) ++p;
-    bool negative = false;
-    if (p < end && (*p == '+' || *p == '-')) {
-        negative = *p == '-';
-        ++p;
-    }
-    const Int64 limit = negative ? -Int64{INT32_MIN} : Int64{INT32_MAX};
-    Int64 magnitude = 0;
-    for (; p < end && *p >= '0' && *p <= '9'; ++p) {
-        magnitude = std::min(magnitude * 10 + (*p - '0'), limit);  // stays small: no overflow while scanning
-    }
-    return static_cast<Int32>(negative ? -magnitude : magnitude);
-}
-
-// Reads a hexadecimal number from [p, end) the way sscanf "%x" reads it:
-// leading white space, optional sign, optional "0x" prefix, hexadecimal digits
-// up to the first other character. The text is bounded, so nothing past it is
-// ever read. No digits reads as 0; values above 0xFFFFFFFF saturate there.
-Uint32 parseHex(const Char* p, const Char* end) {
-    while (p < end && isSpace(*p)) ++p;
-    bool negative = false;
-    if (p < end && (*p == '+' || *p == '-')) {
-        negative = *p == '-';
-        ++p;
-    }
-    if (end - p >= 3 && p[0] == '0' && (p[1] == 'x' || p[1] == 'X') && isHexDigit(p[2])) p += 2;
-    Uint64 magnitude = 0;
-    for (; p < end && isHexDigit(*p); ++p) {
-        magnitude = std::min<Uint64>(magnitude * 16 + hexValue(*p), UINT32_MAX);
-    }
-    const Uint32 value = static_cast<Uint32>(magnitude);
-    return negative ? 0u - value : value;
-}
 
 // Reads one line (or one 255-character piece of a longer line); false at end of file.
 bool readLine(Char* buffer, OSA_FileHandle hFile) {
@@ -250,7 +205,7 @@ Int32 DRV_ispGetLineCfg(Char* buffer, Char* field, Int32* value) {
     if (text == nullptr) return -1;
     text += std::strlen(field);
     // The value is the text up to the first carriage return or line feed.
-    *value = parseDecimal(text, text + std::strcspn(text, "\r\n"));
+    *value = registration_numbers::parseDecimal({text, std::strcspn(text, "\r\n")});
     return 0;
 }
 
@@ -268,10 +223,8 @@ Int32 DRV_ispGetLineRegCfg(Char* buffer, Int32* addr, Int32* value) {
     const Char* secondX = std::strchr(blank, 'x');
     if (secondX == nullptr) return -1;
     const Char* valueText = secondX + 1;
-    const Char* valueEnd = valueText + std::strcspn(valueText, "\r\n ");
-
-    *addr = static_cast<Int32>(parseHex(addrText, blank));
-    *value = static_cast<Int32>(parseHex(valueText, valueEnd));
+    *addr = static_cast<Int32>(registration_numbers::parseHex({addrText, static_cast<size_t>(blank - addrText)}));
+    *value = static_cast<Int32>(registration_numbers::parseHex({valueText, std::strcspn(valueText, "\r\n ")}));
     return 0;
 }
 
