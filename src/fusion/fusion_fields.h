@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <span>
 #include <type_traits>
 
 #include "ispdsp/fusion.h"
@@ -90,15 +91,18 @@ static_assert(kScalarFieldCount == 26);
 static_assert(kScalarFields[kScalarFieldCount - 1].offset + 1 == FUSION_PARAM_V2_7_22_SCALAR_BYTES);
 static_assert(offsetof(CFG_DSP_FusionV2722, w_nir) == FUSION_PARAM_V2_7_22_SCALAR_BYTES);
 
-consteval bool fieldsTileScalarBytes() {
+// The fields follow each other from byte 0 to `bytes`, each 1 or 2 bytes wide
+// with a range that is not empty.
+constexpr bool fieldsTileScalarBytes(std::span<const ScalarField> fields, Int32 bytes) {
     Int32 next = 0;
-    for (const ScalarField& f : kScalarFields) {
+    for (const ScalarField& f : fields) {
         if (f.offset != next || (f.width != 1 && f.width != 2) || f.lo > f.hi) return false;
         next += f.width;
     }
-    return next == FUSION_PARAM_V2_7_22_SCALAR_BYTES;
+    return next == bytes;
 }
-static_assert(fieldsTileScalarBytes(), "the scalar fields cover bytes 0..32 without gaps");
+static_assert(fieldsTileScalarBytes(kScalarFields, FUSION_PARAM_V2_7_22_SCALAR_BYTES),
+              "the scalar fields cover bytes 0..32 without gaps");
 
 // Reads field I as an integer with its signedness (records may sit unaligned in the file buffer).
 template <Int32 I>

@@ -58,15 +58,14 @@ static Int32 readNirLine(OSA_FileHandle file, Int32* out, Int32 count) {
     return parseNirLine(readBuf, out, count);
 }
 
-// Fills buffer[0..510]; 0 when the file was opened and all 40 lines were read,
-// -1 otherwise. A line holding fewer numbers than its pattern fails the whole
+// Fills buffer[0..510]; true when the file was opened and all 40 lines were read. A line holding fewer numbers than its pattern fails the whole
 // load (and stops reading), so no point that the file did not supply can reach
 // the records.
-static Int32 DRV_ispGetNirCfg(const Char* path, Int32* buffer) {
+static bool DRV_ispGetNirCfg(const Char* path, Int32* buffer) {
     OSA_FileHandle file = nullptr;
     if (OSA_fileOpen(path, OSA_FILE_MODE_READ, &file) != 0) {
         ISP_LOG_WARN("%s open failed\n", path);
-        return -1;
+        return false;
     }
 
     Int32 next = 0;
@@ -100,7 +99,7 @@ static Int32 DRV_ispGetNirCfg(const Char* path, Int32* buffer) {
         }
     }
     OSA_fileClose(file);
-    return (complete && linesRead == kNirLines) ? 0 : -1;
+    return complete && linesRead == kNirLines;
 }
 
 // Logs the title, then the curve's points as "%4d " each, kNirPrintStride to a
@@ -141,7 +140,7 @@ Int32 DRV_dspdbgFusionNir(CFG_DSP_FusionV2722* cfgFusionParam, DRV_gainInterPara
         OSA_memUFree(buffer);
         return -1;
     }
-    if (DRV_ispGetNirCfg(kNirFilePath, buffer) != 0) {
+    if (!DRV_ispGetNirCfg(kNirFilePath, buffer)) {
         OSA_memUFree(buffer);
         return -1;
     }

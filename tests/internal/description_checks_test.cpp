@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "dsp/dsp_stage_table.h"
+#include "fusion/fusion_fields.h"
 #include "tuning/stage_list.h"
 
 namespace {
@@ -38,6 +39,7 @@ TEST(StageMoveCheck, EachMoveStaysInsideTheRecordAndTheMessage) {
         {"no move", stageOf(0, fits), false},
         {"both moves", stageOf(2, fits, fits), true},
         {"more moves than slots", stageOf(3, fits, fits), false},
+        {"a move of no bytes", stageOf(2, fits, copy(24, 0, 0)), false},
         {"record end reached", stageOf(1, copy(16, 56, 8)), true},
         {"record end passed", stageOf(1, copy(16, 57, 8)), false},
         {"second move passes the record end", stageOf(2, fits, copy(16, 57, 8)), false},
@@ -134,6 +136,33 @@ TEST(SetLineCheck, AFieldIsWrittenOnlyByAStepToTheSameOffsetAndWidth) {
     EXPECT_FALSE(writtenByCalc({4, 1}, calc)) << "same offset, other width";
     EXPECT_FALSE(writtenByCalc({6, 2}, calc)) << "same width, other offset";
     EXPECT_FALSE(writtenByCalc({0, 2}, calc)) << "an input offset";
+}
+
+// Three fields of a made-up 4-byte block: a 16-bit one and two bytes.
+TEST(ScalarFieldCheck, FieldsFollowEachOtherWithAWidthOfOneOrTwoAndARange) {
+    using ispdsp::fusion::ScalarField;
+    const auto field = [](Uint8 offset, Uint8 width, Int32 lo, Int32 hi) {
+        ScalarField f{};
+        f.offset = offset;
+        f.width = width;
+        f.lo = lo;
+        f.hi = hi;
+        return f;
+    };
+    struct Case {
+        const char* what;
+        std::vector<ScalarField> fields;
+        bool tiles;
+    };
+    const Case cases[] = {
+        {"as described", {field(0, 2, 0, 9), field(2, 1, 5, 5), field(3, 1, 0, 1)}, true},
+        {"a gap", {field(0, 2, 0, 9), field(3, 1, 0, 1), field(4, 1, 0, 1)}, false},
+        {"short of the block", {field(0, 2, 0, 9), field(2, 1, 0, 1)}, false},
+        {"a 4-byte field", {field(0, 4, 0, 9)}, false},
+        {"a field of no bytes", {field(0, 2, 0, 9), field(2, 0, 0, 1), field(2, 1, 0, 1), field(3, 1, 0, 1)}, false},
+        {"an empty range", {field(0, 2, 0, 9), field(2, 1, 5, 4), field(3, 1, 0, 1)}, false},
+    };
+    for (const Case& c : cases) EXPECT_EQ(ispdsp::fusion::fieldsTileScalarBytes(c.fields, 4), c.tiles) << c.what;
 }
 
 template <typename T>

@@ -48,6 +48,7 @@ TEST(Checksum, UnalignedBlockWordsAndOnlyTheCoveredFields) {
     h.cfg_specParam.reserved = 0xFFFFFFFFu;
     EXPECT_EQ(static_cast<Uint32>(CFG_ispCalcChksum(&h, bytes.data() + 1)), want);
     EXPECT_EQ(static_cast<Uint32>(CFG_ispCalcChksum(&h, nullptr)), 0x47A21280u ^ 0x004D4143u);
+    EXPECT_EQ(CFG_ispCheckChksum(&h, bytes.data() + 1), -1);
     h.chksum = static_cast<Int32>(want);
     EXPECT_EQ(CFG_ispCheckChksum(&h, bytes.data() + 1), 0);
     EXPECT_EQ(CFG_ispCheckChksum(&h, nullptr), -1);

@@ -165,6 +165,7 @@ TEST_F(Registration, FailedStepsOfAPlaceReturnMinusOne) {
     ispdsp_host_fail_alloc_after(2);
     EXPECT_EQ(DRV_ispGetRegCfg(text.data(), file, 1, 1, &drvRegistrateParam), -1);
     ispdsp_host_fail_alloc_after(0);
+    EXPECT_EQ(DRV_ispGetRegCfg(text.data(), file, 0, 1, &drvRegistrateParam), -1) << "no zoom positions";
     OSA_fileClose(file);
     sandbox.writeFile(kPlaces[1], "ZOOMNUM:0\nREGNUM:1\n");
     EXPECT_EQ(DRV_ispGetRegistrateCfg(kPlaces[1], &drvRegistrateParam), -1) << "counts refused";
