@@ -20,8 +20,10 @@ namespace ispdsp::fusion {
 
 // True when the processor runs the kernel below (read from the CPU model that
 // the compiler's runtime fills in when the library is loaded).
-// The level that the fusion clones are built for, which includes AVX2 and FMA.
-inline bool cpuHasAvx2Fma() { return __builtin_cpu_supports("x86-64-v3"); }
+inline bool cpuHasAvx2Fma() {
+    // Two features by name: GCC and clang (the fuzz build) both know these.
+    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
+}
 
 // Twice the rounded-down-or-up blend of 8 points, before halving: trunc(2v).
 __attribute__((target("avx2,fma"), always_inline)) inline __m256i blendTwiceAvx2(const Uint8* s, const Uint8* e,
