@@ -226,6 +226,12 @@ TEST_F(ParamFile, SmallerBlocksReuseTheBufferLargerOnesReplaceIt) {
         EXPECT_EQ(mem.freeCalls(), step.allocations);  // the smaller buffer goes first
         EXPECT_EQ(bytesOf(buffer, header.cfg_specParam.size), b.blockBytes());
     }
+    // A larger block that cannot be had fails the read itself with -1.
+    write(ParamFileBuilder().addTable(0).addTable(1).addTable(2).addTable(3), kSecondPath);
+    ispdsp_host_fail_alloc_after(1);
+    EXPECT_EQ(read(kSecondPath), -1);
+    ispdsp_host_fail_alloc_after(0);
+    EXPECT_TRUE(log.has(LogKind::Warn, "DRV_ispCfgReadCheckParam", "Failed to malloc memory for pTable\n"));
 }
 
 }  // namespace
