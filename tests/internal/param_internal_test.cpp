@@ -100,6 +100,8 @@ TEST(TypeMatch, OnlyTheFirstSizeEntriesUpTo120AreScanned) {
 TEST(FallbackRules, RuleZeroListsEveryTypeOnceAndRuleOneTwoReplacements) {
     const auto& rules = kFallbackRuleTable;
     const DRV_SuitableParam& r0 = rules[0];
+    EXPECT_EQ(r0.srcArraySize, 129) << "as declared, though only 120 entries are stored";
+    EXPECT_EQ(r0.dstArraySize, 129);
     std::array<int, PARAM_TABLE_TYPE_NUM> seen{};
     constexpr int kListed = PARAM_TABLE_TYPE_NUM - 3;
     for (int k = 0; k < kListed; ++k) {
