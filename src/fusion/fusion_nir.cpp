@@ -58,7 +58,8 @@ static Int32 readNirLine(OSA_FileHandle file, Int32* out, Int32 count) {
     return parseNirLine(readBuf, out, count);
 }
 
-// Fills buffer[0..510]; true when the file was opened and all 40 lines were read. A line holding fewer numbers than its pattern fails the whole
+// Fills buffer[0..510]; true when the file was opened and all 40 lines were
+// read. A line holding fewer numbers than its pattern fails the whole
 // load (and stops reading), so no point that the file did not supply can reach
 // the records.
 static bool DRV_ispGetNirCfg(const Char* path, Int32* buffer) {
