@@ -2,7 +2,9 @@
 #include "stages/stage_engine.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <tuple>
 
 #include "common/log.h"
 
@@ -60,14 +62,13 @@ void logNull(CallSite site, const char* name) {
 }
 
 // Every conversion of a table line is %d: each value goes as the int that C
-// would pass for the field (a Uint32 above INT32_MAX shows negative). All eight
-// slots are always passed; the format converts only the first `count`.
+// would pass for the field (a Uint32 above INT32_MAX shows negative). Every
+// slot is always passed; the format converts only the first `count`.
 void logLine(const LogLine& line, const Uint8* base) {
-    static_assert(kMaxLineValues == 8, "the call below passes eight values");
-    Int32 v[kMaxLineValues] = {};
-    std::transform(line.values.begin(), line.values.begin() + line.count, v,
+    std::array<Int32, kMaxLineValues> v{};
+    std::transform(line.values.begin(), line.values.begin() + line.count, v.begin(),
                    [base](Field f) { return static_cast<Int32>(load(base, f)); });
-    OSA_logWrite(kLogInfoLevel, kLogInfoCategory, line.format, v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7]);
+    std::apply([&line](auto... value) { OSA_logWrite(kLogInfoLevel, kLogInfoCategory, line.format, value...); }, v);
 }
 
 }  // namespace
