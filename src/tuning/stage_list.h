@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <span>
 
@@ -117,16 +118,16 @@ constexpr Range enforcedRange(const TableStage& stage, const NamedField& f) {
     return wholeWidth(f);
 }
 
-// The debug setter id that changes a stored field; -1 when none does. A stage
-// without an id table is the fusion plate: its hand-written setter changes its
-// one field with id 0.
-constexpr int debugIdOf(const TableStage& stage, const NamedField& f) {
+// The debug setter id that changes a stored field; none when no setter does. A
+// stage without an id table is the fusion plate: its hand-written setter changes
+// its one field with id 0.
+constexpr std::optional<int> debugIdOf(const TableStage& stage, const NamedField& f) {
     if (stage.ids.empty()) return 0;
     for (std::size_t id = 0; id < stage.ids.size(); ++id) {
         const stages::DebugId& d = stage.ids[id];
         if (d.clamp != stages::Clamp::NoField && d.field.offset == f.offset) return static_cast<int>(id);
     }
-    return -1;
+    return std::nullopt;
 }
 
 // True when two field paths lie in the same nested part ("plateLaeParam.a", "plateLaeParam.b"),

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -204,7 +205,7 @@ void stageFields(std::ostream& out, const ispdsp::tools::TableEntry& sample) {
             << "| Field | Type | Range | Unit | Meaning | Sample | Setter id |\n|---|---|---|---|---|---|---|\n";
         for (const tuning::NamedField& f : stage.storedFields) {
             const tuning::Range r = tuning::enforcedRange(stage, f);
-            const int id = tuning::debugIdOf(stage, f);
+            const std::optional<int> id = tuning::debugIdOf(stage, f);
             const std::size_t at = stage.tableOffset + f.offset;
             const ispdsp::tools::Scalar scalar = f.width == 1   ? (f.isSigned ? ispdsp::tools::Scalar::I8 : ispdsp::tools::Scalar::U8)
                                           : f.width == 2 ? (f.isSigned ? ispdsp::tools::Scalar::I16 : ispdsp::tools::Scalar::U16)
@@ -212,7 +213,7 @@ void stageFields(std::ostream& out, const ispdsp::tools::TableEntry& sample) {
             out << "| `" << f.name << "` | " << typeOf(f.width, f.isSigned) << " | " << rangeText(r.low, r.high)
                 << " | " << orDash(f.unit) << " | " << f.meaning << " | "
                 << ispdsp::tools::loadField(sample.bytes.data() + at, scalar) << " | "
-                << (id >= 0 ? std::to_string(id) : std::string("—")) << " |\n";
+                << (id ? std::to_string(*id) : std::string("—")) << " |\n";
         }
         out << '\n';
     }

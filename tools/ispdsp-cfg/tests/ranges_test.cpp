@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <optional>
 
 #include "file_checks.h"
 #include "ispdsp/fusion.h"
@@ -74,8 +75,9 @@ TEST(Ranges, StageFieldsAreFlaggedWhenTheLibraryWouldClampThem) {
     for (const ispdsp::tuning::TableStage& stage : ispdsp::tuning::kTableStages) {
         for (const ispdsp::tuning::NamedField& stored : stage.storedFields) {
             const FieldDef& f = stageFields()[next++];
-            const int id = ispdsp::tuning::debugIdOf(stage, stored);
-            if (id < 0) continue;  // no setter changes this field
+            const std::optional<int> found = ispdsp::tuning::debugIdOf(stage, stored);
+            if (!found) continue;  // no setter changes this field
+            const int id = *found;
             ASSERT_TRUE(kSetters.count(f.record)) << f.record;
             const Setter& set = kSetters.at(f.record);
             // A setter keeps the low bits of a negative value in an unsigned field: no clamp to see.
