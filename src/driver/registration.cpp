@@ -54,15 +54,21 @@ bool countsInRange(Int32 zoomNum, Int32 regNum) {
 
 }  // namespace
 
+// Walked, not indexed: no place number, however wrong, can reach past the table.
 const Char* DRV_ispRegistratePlaceDir(Int32 place) {
-    if (place < 1 || place > kRegistratePlaceCount) return nullptr;
-    return kRegistratePlaceDirs[place - 1];
+    Int32 number = 0;
+    for (const Char* dir : kRegistratePlaceDirs) {
+        if (++number == place) return dir;
+    }
+    return nullptr;
 }
 
 Int32 DRV_ispRegistrateCfgLoad(void) {
-    for (Int32 place = 1; place <= kRegistratePlaceCount; ++place) {
+    Int32 place = 0;
+    for (const Char* dir : kRegistratePlaceDirs) {
+        ++place;
         Char path[kRegistratePathSize];
-        std::snprintf(path, sizeof(path), "%s%s", DRV_ispRegistratePlaceDir(place), kRegistrateFileName);
+        std::snprintf(path, sizeof(path), "%s%s", dir, kRegistrateFileName);
         if (DRV_ispGetRegistrateCfg(path, &drvRegistrateParam) == 0) return place;
     }
     ISP_LOG_ERROR("Registrate Cfg Load Failed !\n");
