@@ -54,7 +54,7 @@ inline Int32 roundHalfUpInRange(float v) {
 // roundHalfUpInRange for either sign: the magnitude rounds up, the sign returns.
 inline Int32 roundHalfAwayInRange(float v) {
     const Int32 away = roundHalfUpInRange(std::fabs(v));
-    return v < 0.0f ? -away : away;
+    return std::signbit(v) ? -away : away;  // -0 rounds to 0 either way
 }
 
 // blendRound for a coefficient in [0, 1], without widening to double: the
