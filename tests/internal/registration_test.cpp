@@ -156,19 +156,22 @@ TEST_F(Registration, FailedStepsOfAPlaceReturnMinusOne) {
     EXPECT_EQ(log.count(LogKind::Error, "DRV_ispGetPropertyCfg", "param is null!\n"), 5u);
 
     // The header and block readers return -1 themselves: the file ends before a "REGNUM:"
-    // line, and the pair array cannot be had after the zoom array was.
+    // line, the zoom array cannot be had, and the pair array cannot be had after it was.
     sandbox.writeFile(kPlaces[1], "ZOOMNUM:1\nZOOM:7\n");
     OSA_FileHandle file = nullptr;
     ASSERT_EQ(OSA_fileOpen(kPlaces[1], OSA_FILE_MODE_READ, &file), 0);
     std::vector<Char> text(ispdsp::kRegistrateLineSize);
     EXPECT_EQ(DRV_ispGetPropertyCfg(text.data(), file, &zoomNum, &regNum), -1);
-    ispdsp_host_fail_alloc_after(2);
-    EXPECT_EQ(DRV_ispGetRegCfg(text.data(), file, 1, 1, &drvRegistrateParam), -1);
+    for (uint64_t failing : {1, 2}) {
+        ispdsp_host_fail_alloc_after(failing);
+        EXPECT_EQ(DRV_ispGetRegCfg(text.data(), file, 1, 1, &drvRegistrateParam), -1) << failing;
+    }
     ispdsp_host_fail_alloc_after(0);
     EXPECT_EQ(DRV_ispGetRegCfg(text.data(), file, 0, 1, &drvRegistrateParam), -1) << "no zoom positions";
     OSA_fileClose(file);
     sandbox.writeFile(kPlaces[1], "ZOOMNUM:0\nREGNUM:1\n");
     EXPECT_EQ(DRV_ispGetRegistrateCfg(kPlaces[1], &drvRegistrateParam), -1) << "counts refused";
+    EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispGetRegCfg", "zoomx malloc failed!\n"), 1u);
     EXPECT_EQ(log.count(LogKind::Warn, "DRV_ispGetRegCfg", "registerParam malloc failed!\n"), 1u);
 }
 
