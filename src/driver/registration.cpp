@@ -64,9 +64,7 @@ const Char* DRV_ispRegistratePlaceDir(Int32 place) {
 }
 
 Int32 DRV_ispRegistrateCfgLoad(void) {
-    Int32 place = 0;
-    for (const Char* dir : kRegistratePlaceDirs) {
-        ++place;
+    for (Int32 place = 1; const Char* dir = DRV_ispRegistratePlaceDir(place); ++place) {
         Char path[kRegistratePathSize];
         std::snprintf(path, sizeof(path), "%s%s", dir, kRegistrateFileName);
         if (DRV_ispGetRegistrateCfg(path, &drvRegistrateParam) == 0) return place;

@@ -96,8 +96,9 @@ constexpr std::optional<Uint32> sceneOfType(Int32 type) {
 }
 
 // "PARAM_HDR_TRAFFIC_BLACKWHITE"; empty for a value outside 0..119.
+inline constexpr char kLongestTypeName[] = "PARAM_WDR_ENTRANCE_STROBE_BLACKWHITE";
 struct TypeName {
-    char text[sizeof "PARAM_WDR_ENTRANCE_STROBE_BLACKWHITE"] = {};  // the longest name
+    char text[sizeof kLongestTypeName] = {};
 };
 constexpr void append(TypeName& n, const char* part) {
     std::size_t at = 0;
@@ -133,7 +134,7 @@ static_assert(sameText(tableTypeName(PARAM_WDR_BLACKWHITE_NIGHT).text, "PARAM_WD
 static_assert(sameText(tableTypeName(PARAM_HDR_TRAFFIC_BLACKWHITE).text, "PARAM_HDR_TRAFFIC_BLACKWHITE"));
 static_assert(sameText(tableTypeName(PARAM_WDR_IVS_NIGHT).text, "PARAM_WDR_IVS_NIGHT"));
 static_assert(sameText(tableTypeName(PARAM_WDR_EVENT_NIGHT).text, "PARAM_WDR_EVENT_NIGHT"));
-static_assert(sameText(tableTypeName(PARAM_WDR_ENTRANCE_STROBE_BLACKWHITE).text, "PARAM_WDR_ENTRANCE_STROBE_BLACKWHITE"));
+static_assert(sameText(tableTypeName(PARAM_WDR_ENTRANCE_STROBE_BLACKWHITE).text, kLongestTypeName));
 static_assert(kTableTypes == 120 && tableTypeName(kTableTypes).text[0] == '\0');
 
 }  // namespace ispdsp::tuning
